@@ -1,0 +1,19 @@
+// Export control for the idxbase shared library.
+//
+// The library is built with hidden symbols by default; every class and
+// function of the interface carries IDXBASE_API so that it, and only it,
+// is visible to programs that link libidxbase.
+#ifndef IDXBASE_EXPORT_H_
+#define IDXBASE_EXPORT_H_
+
+#if defined(IDXBASE_BUILDING_LIBRARY)
+#define IDXBASE_API __attribute__((visibility("default")))
+#else
+#define IDXBASE_API
+#endif
+
+// printf-style format checking for variadic functions of the interface.
+#define IDXBASE_PRINTF(format_index, first_arg) \
+  __attribute__((format(printf, format_index, first_arg)))
+
+#endif  // IDXBASE_EXPORT_H_

@@ -1,0 +1,12 @@
+// idxbase: base services for an indexing and search engine. Including this
+// header gives the whole interface.
+#ifndef IDXBASE_IDXBASE_H_
+#define IDXBASE_IDXBASE_H_
+
+#include "idxbase/export.h"
+#include "idxbase/performance.h"
+#include "idxbase/platform.h"
+#include "idxbase/settings.h"
+#include "idxbase/trace.h"
+
+#endif  // IDXBASE_IDXBASE_H_

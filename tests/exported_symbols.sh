@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Checks the dynamic symbols that libidxbase defines: the interface must be
+# there, and nothing of the library's own beyond it.
+set -euo pipefail
+library=$1
+symbols=$(nm -D --defined-only "$library" | c++filt)
+
+fail=0
+# Names that must be exported (one per interface class or function family).
+for name in 'KORUnicodeString::KORUnicodeString(char const\*)' 'KORSysTSUnicodeString::' \
+    'KORTime::ConvertToString' 'KORRawCollPV::Append' 'KORListValKORUnicodeString::Append' \
+    'KORThreads::Kill' 'KORSettingRepository::GetRepository' 'KORGetEnv' 'KORMakePath' \
+    '_KORCreateDirectory' '_KORDeleteFile' 'KOROpenDirectory' 'KORReadDirectory' \
+    'KORCloseDirectory' 'KORSleep' 'KORSysIsProcessAlive' 'KORFatalError' \
+    'KORGetMERLOLevelInfo' 'KORGetProcessTimes' 'KORGetTickCount' \
+    'IDX_DEV_LA::_FastCV' 'IDX_DEV_LA::KeepGeneration()' 'IDX_DEV_LA::RunWithCVServlet()' \
+    'IDX_Base_Constants::CHECKSUM_FILENAME' 'IDX_Base_Settings::GetIdxBaseSettings()' \
+    'IDX_Base_Trace::Debug(' 'IDX_Base_Trace::RedirectStdoutToTraces' \
+    'PLMIdxPerfTrace::Trace(' 'PLMSearchTimer::StartTimer' 'GetAboutInfo(' \
+    'typeinfo for KORThreads' 'vtable for PLMSearchTimer'; do
+  if ! grep -qF -- "${name//\\/}" <<<"$symbols"; then
+    echo "missing from the exports: $name"
+    fail=1
+  fi
+done
+
+# Everything exported must belong to the interface. Instantiations of the
+# standard library's templates are exported by its own visibility rules and
+# are allowed.
+interface='^(vtable for |typeinfo for |typeinfo name for |VTT for |guard variable for |non-virtual thunk to )?(KOR|_KOR|IDX_|PLM|BBD|GetAboutInfo|RealIsProcessAlive|MD5|ConvertToHexa|CompareStrings|CompareLikeStrings|operator[+=!<>]|std::|__gnu_cxx::|void std::|_init$|_fini$)'
+leaks=$(awk '{ $1=""; $2=""; sub(/^  /, ""); print }' <<<"$symbols" |
+  sed -E 's/^(bool|void|int|unsigned int|char const\*|KORStatus|std::[a-z_:]+\*?|[A-Za-z_]+[&*]?) +([A-Za-z_]+::|KOR|_KOR)/\2/' |
+  grep -vE "$interface" | grep -vE '^$' || true)
+if [ -n "$leaks" ]; then
+  echo "exported but not part of the interface:"
+  echo "$leaks"
+  fail=1
+fi
+for internal in 'idxbase::detail' '(anonymous namespace)' 'idxbase_tool'; do
+  if grep -qF -- "$internal" <<<"$symbols"; then
+    echo "internal names are exported: $internal"
+    fail=1
+  fi
+done
+exit $fail

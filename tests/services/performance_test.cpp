@@ -1,0 +1,139 @@
+#include "idxbase/performance.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <thread>
+
+#include "services/about_info.h"
+#include "services/calendar_seconds.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+TEST(PerfTraceDeathTest, PreconditionsEndTheProcess) {
+  EXPECT_DEATH(PLMIdxPerfTrace::OpenTrace(nullptr),
+               R"(PLMIdxPerfTrace\(24\): AssertionFailed:pOutputFile)");
+  EXPECT_DEATH(PLMIdxPerfTrace::Trace(nullptr),
+               R"(PLMIdxPerfTrace\(66\): AssertionFailed:pStepName)");
+  const std::string tooLong(1000, 's');
+  EXPECT_DEATH(PLMIdxPerfTrace::Trace(tooLong.c_str(), 4u),
+               R"(PLMIdxPerfTrace\(119\): AssertionFailed:len<1000)");
+}
+
+TEST(PerfTrace, OpensNothingAndTracesSilently) {
+  idxbase_test::TempDir dir;
+  const std::string path = dir.Join("perf.txt");
+  EXPECT_FALSE(PLMIdxPerfTrace::OpenTrace(path.c_str()));
+  EXPECT_FALSE(idxbase_test::FileExists(path));
+  PLMIdxPerfTrace::Trace("step");
+  PLMIdxPerfTrace::Trace(std::string(999, 's').c_str(), 4294967295u);
+  PLMIdxPerfTrace::CloseTrace();
+  EXPECT_FALSE(PLMIdxPerfTrace::OpenTrace(path.c_str()));
+}
+
+TEST(PerfTrace, GetMemInfoIsNotImplementedAndZeroesItsResults) {
+  std::uint32_t first = 1;
+  std::uint32_t second = 2;
+  std::uint32_t third = 3;
+  EXPECT_EQ(KOR_E_NOTIMPL, PLMIdxPerfTrace::GetMemInfo(first, second, third, 9));
+  EXPECT_EQ(0u, first);
+  EXPECT_EQ(0u, second);
+  EXPECT_EQ(0u, third);
+  EXPECT_EQ(static_cast<KORStatus>(0x80004001u), KOR_E_NOTIMPL);
+}
+
+TEST(SearchTimer, StartsAtZero) {
+  PLMSearchTimer timer;
+  EXPECT_EQ(0, timer.GetElapsed());
+  EXPECT_EQ(0, timer.GetCPUUser());
+  EXPECT_EQ(0, timer.GetCPUKernel());
+  EXPECT_EQ(0, timer.GetCPU());
+}
+
+// Tolerances are wide: these check what is measured, not how fast.
+TEST(SearchTimer, SleepingCountsAsElapsedButNotAsCpu) {
+  PLMSearchTimer timer;
+  timer.StartTimer();
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  timer.StopTimer();
+  EXPECT_GE(timer.GetElapsed(), 290);
+  EXPECT_LT(timer.GetElapsed(), 3000);
+  EXPECT_LT(timer.GetCPU(), 150);
+  PLMSearchTimer copy(timer);
+  EXPECT_EQ(timer.GetElapsed(), copy.GetElapsed());
+}
+
+TEST(SearchTimer, BusyWorkCountsAsCpu) {
+  PLMSearchTimer timer;
+  timer.StartTimer();
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(300);
+  volatile unsigned sink = 0;
+  while (std::chrono::steady_clock::now() < end) sink = sink + 1;
+  timer.StopTimer();
+  EXPECT_GE(timer.GetCPU(), 150);
+  EXPECT_LE(timer.GetCPU(), timer.GetElapsed() + 50);
+  EXPECT_EQ(timer.GetCPU(), timer.GetCPUUser() + timer.GetCPUKernel());
+}
+
+TEST(SearchTimer, CalendarSecondsCountEveryYearAs366Days) {
+  using idxbase::detail::CalendarSeconds;
+  EXPECT_EQ(86400u, CalendarSeconds(1970, 1, 0, 0, 0));
+  EXPECT_EQ(86400u + 3600u + 120u + 3u, CalendarSeconds(1970, 1, 1, 2, 3));
+  EXPECT_EQ((366u + 1u) * 86400u, CalendarSeconds(1971, 1, 0, 0, 0));
+  // 2040: (70 * 366 + 1) * 86400 wraps modulo 2^32.
+  EXPECT_EQ(static_cast<unsigned int>((70ull * 366 + 1) * 86400 % (1ull << 32)),
+            CalendarSeconds(2040, 1, 0, 0, 0));
+}
+
+TEST(SearchTimer, GetTimeAdvancesWithTheClock) {
+  const unsigned int first = PLMSearchTimer::GetTime();
+  std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+  const unsigned int second = PLMSearchTimer::GetTime();
+  EXPECT_GE(second - first, 1u);
+  EXPECT_LE(second - first, 3u);
+}
+
+TEST(AboutInfo, ListsTheDayTheLevelTextAndTheFourNumbers) {
+  KORListValKORUnicodeString info;
+  info.Append("stale");
+  KORLevelInfo level;
+  level.version = 5;
+  level.release = 26;
+  level.servicePack = 3;
+  level.hotFix = 1;
+  level.level = "2014-11-23.10.30";
+  idxbase::detail::FillAboutInfo(level, info);
+  ASSERT_EQ(6, info.Size());
+  const char* expected[] = {"23", "2014-11-23.10.30", "5", "26", "3", "1"};
+  for (int i = 0; i < 6; ++i) EXPECT_STREQ(expected[i], info[i + 1].ConvertToChar());
+}
+
+TEST(AboutInfo, MissingNumbersReadAsZero) {
+  KORListValKORUnicodeString info;
+  KORLevelInfo level;
+  level.level = "2014-11";
+  idxbase::detail::FillAboutInfo(level, info);
+  ASSERT_EQ(6, info.Size());
+  EXPECT_STREQ("0", info[1].ConvertToChar());
+  level.level = nullptr;
+  idxbase::detail::FillAboutInfo(level, info);
+  EXPECT_STREQ("0", info[1].ConvertToChar());
+  EXPECT_STREQ("", info[2].ConvertToChar());
+}
+
+TEST(AboutInfo, DescribesThisBuild) {
+  KORListValKORUnicodeString info;
+  GetAboutInfo(info);
+  ASSERT_EQ(6, info.Size());
+  EXPECT_STREQ("0", info[3].ConvertToChar());
+  EXPECT_STREQ("1", info[4].ConvertToChar());
+  EXPECT_STREQ("0", info[5].ConvertToChar());
+  int year = 0, month = 0, day = 0, hour = 0, minute = 0;
+  ASSERT_EQ(5, std::sscanf(info[2].ConvertToChar(), "%d-%d-%d.%d.%d", &year, &month, &day, &hour,
+                           &minute));
+  EXPECT_EQ(std::to_string(day), info[1].ConvertToChar());
+}
+
+}  // namespace

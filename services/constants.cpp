@@ -1,6 +1,5 @@
-#include "idxbase/settings.h"
-
 #include "idxbase/kor_system.h"
+#include "idxbase/settings.h"
 
 // Directories of an index.
 const char* const IDX_Base_Constants::SYNCHRO_INDEX_FILE_DIR_NAME = "IndexSynchro";
@@ -20,7 +19,8 @@ const char* const IDX_Base_Constants::IMPACTLOG_TYPE_FILE_NAME = "ImpactLogTypes
 const char* const IDX_Base_Constants::CURRENT_GEN_FILE_BASE_NAME = "IndexGen";
 const char* const IDX_Base_Constants::ATTRIBUTES_INDEX_FILE_BASE_NAME = "IndexAttribute";
 const char* const IDX_Base_Constants::INSTANCES_INDEX_FILE_BASE_NAME = "IndexInstance";
-const char* const IDX_Base_Constants::REVERSE_INSTANCES_INDEX_FILE_BASE_NAME = "IndexReverseInstance";
+const char* const IDX_Base_Constants::REVERSE_INSTANCES_INDEX_FILE_BASE_NAME =
+    "IndexReverseInstance";
 const char* const IDX_Base_Constants::RTREE_INDEX_FILE_BASE_NAME = "IndexRTree";
 const char* const IDX_Base_Constants::SECURITY_INDEX_FILE_BASE_NAME = "IndexSecurity";
 const char* const IDX_Base_Constants::IDXBUFFER_FILE_BASE_NAME = "IndexCurrent";
@@ -40,7 +40,8 @@ const char* const IDX_Base_Constants::SETTINGS_BACKUP_FILE_NAME = "IndexMemory";
 const char* const IDX_Base_Constants::INDEX_REPORTS_FILE_BASE_NAME = "Index.report";
 const char* const IDX_Base_Constants::INDEX_CUSTOPLMTYPE_FILE_NAME = "CustoPLMTypeAttr.dic";
 const char* const IDX_Base_Constants::INDEX_XMLATTRIBUTES_FILE_BASE = "PLMAttrDico";
-const char* const IDX_Base_Constants::INDEX_XMLATTRIBUTES_WITH_DATE_FILE_NAME = "PLMAttrDicoWithDate";
+const char* const IDX_Base_Constants::INDEX_XMLATTRIBUTES_WITH_DATE_FILE_NAME =
+    "PLMAttrDicoWithDate";
 const char* const IDX_Base_Constants::DIH_FILE_BASE_NAME = "IndexDIH";
 const char* const IDX_Base_Constants::MAJOR_DIH_FILE_BASE_NAME = "IndexDIHMajors";
 const char* const IDX_Base_Constants::OV_FILE_BASE_NAME = "IndexOV";

@@ -1,10 +1,10 @@
 // The development switches, read while the library is loaded. The members
 // are initialised in the order of their definitions below, so the derived
 // _KeepGeneration comes after the two values it is made of.
-#include "idxbase/settings.h"
 #include <string_view>
 
 #include "idxbase/kor_system.h"
+#include "idxbase/settings.h"
 #include "services/env_rules.h"
 
 using idxbase::detail::IsDefined;

@@ -13,6 +13,8 @@ int Milliseconds(std::uint64_t now, std::uint64_t start) {
 
 }  // namespace
 
+PLMSearchTimer::~PLMSearchTimer() = default;
+
 void PLMSearchTimer::StartTimer() {
   m_TickStart = KORGetTickCount();
   KORGetProcessTimes(m_KernelStart, m_UserStart);
@@ -37,8 +39,8 @@ namespace idxbase::detail {
 
 unsigned int CalendarSeconds(int year, int dayOfYear, int hour, int minute, int second) {
   auto u = [](int value) { return static_cast<unsigned int>(value); };
-  return ((u(year) - 1970u) * 366u + u(dayOfYear)) * 86400u + u(hour) * 3600u +
-         u(minute) * 60u + u(second);
+  return ((u(year) - 1970u) * 366u + u(dayOfYear)) * 86400u + u(hour) * 3600u + u(minute) * 60u +
+         u(second);
 }
 
 }  // namespace idxbase::detail

@@ -72,8 +72,8 @@ void IDX_Base_Trace::Debug_Impl(KORUnicodeString file, const char* format, va_li
   CloseFlushed(out);
 }
 
-void IDX_Base_Trace::Dump_Impl(KORUnicodeString base, KORUnicodeString suffix,
-                               const char* format, va_list args) {
+void IDX_Base_Trace::Dump_Impl(KORUnicodeString base, KORUnicodeString suffix, const char* format,
+                               va_list args) {
   FILE* out = OpenForAppend(base + "." + suffix);
   if (out == nullptr) return;
   std::vfprintf(out, format, args);
@@ -117,12 +117,10 @@ void IDX_Base_Trace::SetReportBaseDir(const KORUnicodeString& directory) {
 }
 
 void IDX_Base_Trace::GetBBDMonitorDir(const KORUnicodeString& base, KORUnicodeString& result) {
-  result = m_BBDMonitorDir.GetLengthInChar() > 0 ? m_BBDMonitorDir
-                                                 : Under(base, MonitorDirName());
+  result = m_BBDMonitorDir.GetLengthInChar() > 0 ? m_BBDMonitorDir : Under(base, MonitorDirName());
 }
 
-void IDX_Base_Trace::GetBBDMonitorCheckDir(const KORUnicodeString& base,
-                                           KORUnicodeString& result) {
+void IDX_Base_Trace::GetBBDMonitorCheckDir(const KORUnicodeString& base, KORUnicodeString& result) {
   result = m_BBDMonitorDir.GetLengthInChar() > 0 ? m_BBDMonitorDir + "Check"
                                                  : Under(base, MonitorCheckDirName());
 }

@@ -17,8 +17,7 @@ int main() {
   KORListValKORUnicodeString about;
   GetAboutInfo(about);
   timer.StopTimer();
-  std::printf("idxbase %s.%s.%s (%s), %d ms\n", about[3].ConvertToChar(),
-              about[4].ConvertToChar(), about[5].ConvertToChar(), about[2].ConvertToChar(),
-              timer.GetElapsed());
+  std::printf("idxbase %s.%s.%s (%s), %d ms\n", about[3].ConvertToChar(), about[4].ConvertToChar(),
+              about[5].ConvertToChar(), about[2].ConvertToChar(), timer.GetElapsed());
   return about.Size() == 6 ? 0 : 1;
 }

@@ -23,7 +23,7 @@ class IDXBASE_API KORCollecRoot {
   KORCollecRoot() = default;
   KORCollecRoot(const KORCollecRoot&) = default;
   KORCollecRoot& operator=(const KORCollecRoot&) = default;
-  virtual ~KORCollecRoot() = default;
+  virtual ~KORCollecRoot();
 };
 
 // A growable sequence of untyped pointers, positions from 1.
@@ -43,7 +43,7 @@ class IDXBASE_API KORRawCollPV : public KORCollecRoot {
   explicit KORRawCollPV(int initialCapacity = 0);
   KORRawCollPV(const KORRawCollPV&) = default;
   KORRawCollPV& operator=(const KORRawCollPV&) = default;
-  ~KORRawCollPV() override = default;
+  ~KORRawCollPV() override;
 
   int Size() const { return static_cast<int>(elements_.size()); }
   void*& operator[](int position);
@@ -89,9 +89,8 @@ class IDXBASE_API KORListValKORUnicodeString : public KORCollecRoot {
  public:
   KORListValKORUnicodeString() = default;
   KORListValKORUnicodeString(const KORListValKORUnicodeString&) = default;
-  KORListValKORUnicodeString& operator=(const KORListValKORUnicodeString&) =
-      default;
-  ~KORListValKORUnicodeString() override = default;
+  KORListValKORUnicodeString& operator=(const KORListValKORUnicodeString&) = default;
+  ~KORListValKORUnicodeString() override;
 
   int Size() const { return static_cast<int>(elements_.size()); }
   // Appends a copy of `text`; returns its position.

@@ -60,10 +60,8 @@ class IDXBASE_API KORUnicodeString {
   std::string text_;
 };
 
-IDXBASE_API KORUnicodeString operator+(const KORUnicodeString& left,
-                                       const KORUnicodeString& right);
-IDXBASE_API KORUnicodeString operator+(const KORUnicodeString& left,
-                                       const char* right);
+IDXBASE_API KORUnicodeString operator+(const KORUnicodeString& left, const KORUnicodeString& right);
+IDXBASE_API KORUnicodeString operator+(const KORUnicodeString& left, const char* right);
 
 // The same string operations, safe for concurrent use: every operation
 // holds the object's own mutex while it runs. `ConvertToChar` and
@@ -72,7 +70,7 @@ IDXBASE_API KORUnicodeString operator+(const KORUnicodeString& left,
 class IDXBASE_API KORSysTSUnicodeString {
  public:
   KORSysTSUnicodeString() = default;
-  KORSysTSUnicodeString(const char* utf8);  // NOLINT: implicit by design
+  KORSysTSUnicodeString(const char* utf8);              // NOLINT: implicit by design
   KORSysTSUnicodeString(const KORUnicodeString& text);  // NOLINT
   KORSysTSUnicodeString(const KORSysTSUnicodeString& other);
   KORSysTSUnicodeString(KORSysTSUnicodeString&& other) noexcept;
@@ -105,7 +103,6 @@ class IDXBASE_API KORSysTSUnicodeString {
 
 IDXBASE_API KORSysTSUnicodeString operator+(const KORSysTSUnicodeString& left,
                                             const KORSysTSUnicodeString& right);
-IDXBASE_API KORSysTSUnicodeString operator+(const KORSysTSUnicodeString& left,
-                                            const char* right);
+IDXBASE_API KORSysTSUnicodeString operator+(const KORSysTSUnicodeString& left, const char* right);
 
 #endif  // IDXBASE_KOR_STRING_H_

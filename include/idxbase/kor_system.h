@@ -59,8 +59,7 @@ IDXBASE_API KORStatus KOROpenDirectory(const KORUnicodeString& path, KORDIR* dir
 // `*end` to 1 and returns KOR_S_OK. On failure (null arguments, a closed
 // `dir`, a read error): sets `*end` to 1 when `end` is not null and returns
 // KOR_E_FAIL. `flags` is reserved and must be 0.
-IDXBASE_API KORStatus KORReadDirectory(KORDIR* dir, KORDirEnt* entry, int* end,
-                                       int flags);
+IDXBASE_API KORStatus KORReadDirectory(KORDIR* dir, KORDirEnt* entry, int* end, int flags);
 // Closes the listing; `dir` can be opened again. Closing a closed or null
 // `dir` does nothing and returns KOR_S_OK.
 IDXBASE_API KORStatus KORCloseDirectory(KORDIR* dir);

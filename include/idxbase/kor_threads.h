@@ -41,8 +41,8 @@ class IDXBASE_API KORThreads {
   // body's argument when Run is given null. `priority`, `stackSize` and
   // `flags` are accepted for compatibility; the system's default
   // scheduling and stack size apply.
-  explicit KORThreads(const char* name = nullptr, void* argument = nullptr,
-                      int priority = -1, int stackSize = 0, int flags = 0);
+  explicit KORThreads(const char* name = nullptr, void* argument = nullptr, int priority = -1,
+                      int stackSize = 0, int flags = 0);
   KORThreads(const KORThreads& other);
   // Takes the configuration of `other`; this object's own thread, running
   // or not, is left as it is.

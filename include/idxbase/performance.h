@@ -35,8 +35,8 @@ class IDXBASE_API PLMIdxPerfTrace {
   static void CloseTrace();
   // Sets the three results to 0 and returns KOR_E_NOTIMPL (0x80004001);
   // the last argument is ignored.
-  static KORStatus GetMemInfo(std::uint32_t& first, std::uint32_t& second,
-                              std::uint32_t& third, int);
+  static KORStatus GetMemInfo(std::uint32_t& first, std::uint32_t& second, std::uint32_t& third,
+                              int);
 
  private:
   static FILE* _pOut;
@@ -54,7 +54,7 @@ class IDXBASE_API PLMSearchTimer {
   PLMSearchTimer() = default;
   PLMSearchTimer(const PLMSearchTimer&) = default;
   PLMSearchTimer& operator=(const PLMSearchTimer&) = default;
-  virtual ~PLMSearchTimer() = default;
+  virtual ~PLMSearchTimer();
 
   void StartTimer();
   void StopTimer();

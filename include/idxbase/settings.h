@@ -78,36 +78,36 @@ class IDXBASE_API IDX_DEV_LA {
   static bool isPlmIndexInProcess();
 
   // Member (variable, rule, default when the variable is not defined).
-  static bool _FastCV;                      // IDXFastCV, switch, true
-  static bool _FastCVWrap;                  // IDXFastCVWrap, switch, true
-  static bool _FastCVNames;                 // IDXFastCVNames, switch, true
-  static bool _FastCVRootIds;               // IDXFastCVRootIds, switch, true
-  static bool _FastCVBBoxes;                // IDXFastCVBBoxes, switch, true
-  static bool _Log2CV;                      // IDXLog2CV, switch, false
-  static bool _Log2CVPerfo;                 // IDXLog2CVPerfo, switch, false
-  static bool _ForceOctreeWithThbOnly;      // IDXForceOctreeWithThbOnly, switch, false
-  static bool _UseVLMSimplified;            // IDX_DO_NOT_USE_SimplifiedVLM, undefined
-  static bool _DWHIndexing;                 // IDX_NO_INDEX_DWH, undefined
-  static bool _AdvancedMigration;           // NO_ADVANCED_MIGRATION, undefined
-  static bool _IndexTextOnly;               // IDXDisableTextOnly, undefined
-  static bool _postProcRep;                 // IDXDisableForcePostProcRep, undefined
-  static bool _postProcAllObjects;          // IDXEvalAllAtMaybe, defined
-  static bool _PersistantConfigCacheActive;  // IDXConfigCacheDir, defined
+  static bool _FastCV;                                // IDXFastCV, switch, true
+  static bool _FastCVWrap;                            // IDXFastCVWrap, switch, true
+  static bool _FastCVNames;                           // IDXFastCVNames, switch, true
+  static bool _FastCVRootIds;                         // IDXFastCVRootIds, switch, true
+  static bool _FastCVBBoxes;                          // IDXFastCVBBoxes, switch, true
+  static bool _Log2CV;                                // IDXLog2CV, switch, false
+  static bool _Log2CVPerfo;                           // IDXLog2CVPerfo, switch, false
+  static bool _ForceOctreeWithThbOnly;                // IDXForceOctreeWithThbOnly, switch, false
+  static bool _UseVLMSimplified;                      // IDX_DO_NOT_USE_SimplifiedVLM, undefined
+  static bool _DWHIndexing;                           // IDX_NO_INDEX_DWH, undefined
+  static bool _AdvancedMigration;                     // NO_ADVANCED_MIGRATION, undefined
+  static bool _IndexTextOnly;                         // IDXDisableTextOnly, undefined
+  static bool _postProcRep;                           // IDXDisableForcePostProcRep, undefined
+  static bool _postProcAllObjects;                    // IDXEvalAllAtMaybe, defined
+  static bool _PersistantConfigCacheActive;           // IDXConfigCacheDir, defined
   static KORUnicodeString _PersistantConfigCacheDir;  // IDXConfigCacheDir, its text, ""
-  static bool _BuildRTree;                  // IDXBuildRTree, defined
-  static bool _DisableRTree;                // IDXDisableRTree, defined
-  static bool _OldBBComputation;            // IDXOldBBComputation, defined
-  static bool _CheckMemoryConsistency;      // KORQuillonCheckMemoryConsistency, defined
-  static bool _RecoverInstance;             // IDXRecoverInstance, defined
-  static int _RecoverInstanceSeconds;       // IDXRecoverInstanceSecondsNumber, number, 7200
-  static bool _KeepLocalTaskLog;            // IDXKeepLocalTaskLog, defined
-  static bool _IndexPrivateReps;            // IDXIndexPrivateReps, defined
+  static bool _BuildRTree;                            // IDXBuildRTree, defined
+  static bool _DisableRTree;                          // IDXDisableRTree, defined
+  static bool _OldBBComputation;                      // IDXOldBBComputation, defined
+  static bool _CheckMemoryConsistency;                // KORQuillonCheckMemoryConsistency, defined
+  static bool _RecoverInstance;                       // IDXRecoverInstance, defined
+  static int _RecoverInstanceSeconds;  // IDXRecoverInstanceSecondsNumber, number, 7200
+  static bool _KeepLocalTaskLog;       // IDXKeepLocalTaskLog, defined
+  static bool _IndexPrivateReps;       // IDXIndexPrivateReps, defined
   static bool _ReadableTimeStampsForBBDMonitorFolders;  // ReadableTimestampsForBBDMonitorFolders,
                                                         // defined
   static bool IDXUseQuillonSecurityInsteadOfOCDX;  // IDXUseQuillonSecurityInsteadOfOCDX, defined
-  static bool _UseDeleteLog;                // IDXUseDeleteLog, defined
-  static bool _SimilarBSFFilter;            // IDXSimilarBSFFilter, defined
-  static bool _newSecuEnabled;              // IDXNewSecu, defined
+  static bool _UseDeleteLog;                       // IDXUseDeleteLog, defined
+  static bool _SimilarBSFFilter;                   // IDXSimilarBSFFilter, defined
+  static bool _newSecuEnabled;                     // IDXNewSecu, defined
   // IDXQueryMaxDuration (seconds), number times 1000 (32-bit product), 0
   static std::uint32_t _QueryTimerMilliSecond;
   // IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs, number, 0
@@ -211,11 +211,11 @@ class IDXBASE_API IDX_Base_Constants {
   // names designates a real place: '/' here.
   static const char PATH_SEPARATOR;
   static const char* const PATH_SEPARATOR_STR;
-  static const unsigned int MAX_OCTREE_SIZE;    // 2^25
-  static const float MIN_OCTREE_VOXEL_SIZE;     // 0.001f
-  static const float OCTREE_EPSILON;            // 0.0001f
-  static const int INVALID_OVDID;               // -1
-  static const unsigned int MD5_BUFFERS_SIZE;   // read-buffer size of checksums, 1 MiB
+  static const unsigned int MAX_OCTREE_SIZE;   // 2^25
+  static const float MIN_OCTREE_VOXEL_SIZE;    // 0.001f
+  static const float OCTREE_EPSILON;           // 0.0001f
+  static const int INVALID_OVDID;              // -1
+  static const unsigned int MD5_BUFFERS_SIZE;  // read-buffer size of checksums, 1 MiB
   static const char* const MAGIC_NO_OCTREE;
 };
 

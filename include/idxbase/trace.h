@@ -30,8 +30,8 @@ class IDXBASE_API IDX_Base_Trace {
   static void Debug(const char* format, ...) IDXBASE_PRINTF(1, 2);
   // One trace line on standard output when `toStdout`, and appended to
   // `file` when it is not empty.
-  static void Debug_Impl(KORUnicodeString file, const char* format, va_list args,
-                         bool toStdout) IDXBASE_PRINTF(2, 0);
+  static void Debug_Impl(KORUnicodeString file, const char* format, va_list args, bool toStdout)
+      IDXBASE_PRINTF(2, 0);
   // Appends the formatted text, with neither time stamp nor line end, to
   // the file base + "." + suffix.
   static void Dump_Impl(KORUnicodeString base, KORUnicodeString suffix, const char* format,

@@ -46,9 +46,9 @@ TEST(IndexConstants, SeparatorIsThePlatformsAndNumbersAreExact) {
 }
 
 TEST(IndexConstants, EveryMarkerBeginsWithTwoHashes) {
-  for (const char* marker : {C::BEGINIDXSTEP, C::CURIDXSTEP, C::ENDIDXSTEP, C::PID, C::CNX,
-                             C::NEWREF, C::NEWREPREF, C::NEWINST, C::NEWREPINST, C::ETL,
-                             C::DELOBJ, C::REPORT_CREATED}) {
+  for (const char* marker :
+       {C::BEGINIDXSTEP, C::CURIDXSTEP, C::ENDIDXSTEP, C::PID, C::CNX, C::NEWREF, C::NEWREPREF,
+        C::NEWINST, C::NEWREPINST, C::ETL, C::DELOBJ, C::REPORT_CREATED}) {
     EXPECT_EQ(0, std::strncmp(marker, "##", 2)) << marker;
   }
 }

@@ -86,6 +86,12 @@ struct FlagCase {
   std::string expected;
 };
 
+// Names the case in test listings: "<flag> under NAME=value ...".
+void PrintTo(const FlagCase& c, std::ostream* out) {
+  *out << c.flag << " under";
+  for (const auto& [name, value] : c.env) *out << ' ' << name << "=\"" << value << '"';
+}
+
 class DevFlagRules : public ::testing::TestWithParam<FlagCase> {};
 
 TEST_P(DevFlagRules, ReadsTheEnvironmentByTheFlagsRule) {
@@ -96,20 +102,20 @@ TEST_P(DevFlagRules, ReadsTheEnvironmentByTheFlagsRule) {
 // switch: only the exact words FALSE, NO and 0 turn a switch off.
 INSTANTIATE_TEST_SUITE_P(
     Switch, DevFlagRules,
-    ::testing::Values(FlagCase{{{"IDXFastCV", "FALSE"}}, "_FastCV", "false"},
-                      FlagCase{{{"IDXFastCV", "NO"}}, "_FastCV", "false"},
-                      FlagCase{{{"IDXFastCV", "0"}}, "_FastCV", "false"},
-                      FlagCase{{{"IDXFastCV", "false"}}, "_FastCV", "true"},
-                      FlagCase{{{"IDXFastCV", "no"}}, "_FastCV", "true"},
-                      FlagCase{{{"IDXFastCV", "00"}}, "_FastCV", "true"},
-                      FlagCase{{{"IDXFastCV", " 0"}}, "_FastCV", "true"},
-                      FlagCase{{{"IDXFastCV", ""}}, "_FastCV", "true"},
-                      FlagCase{{{"IDXFastCVBBoxes", "NO"}}, "_FastCVBBoxes", "false"},
-                      FlagCase{{{"IDXLog2CV", "1"}}, "_Log2CV", "true"},
-                      FlagCase{{{"IDXLog2CV", "FALSE"}}, "_Log2CV", "false"},
-                      FlagCase{{{"IDXLog2CVPerfo", ""}}, "_Log2CVPerfo", "true"},
-                      FlagCase{{{"IDXForceOctreeWithThbOnly", "yes"}}, "_ForceOctreeWithThbOnly",
-                               "true"}));
+    ::testing::Values(
+        FlagCase{{{"IDXFastCV", "FALSE"}}, "_FastCV", "false"},
+        FlagCase{{{"IDXFastCV", "NO"}}, "_FastCV", "false"},
+        FlagCase{{{"IDXFastCV", "0"}}, "_FastCV", "false"},
+        FlagCase{{{"IDXFastCV", "false"}}, "_FastCV", "true"},
+        FlagCase{{{"IDXFastCV", "no"}}, "_FastCV", "true"},
+        FlagCase{{{"IDXFastCV", "00"}}, "_FastCV", "true"},
+        FlagCase{{{"IDXFastCV", " 0"}}, "_FastCV", "true"},
+        FlagCase{{{"IDXFastCV", ""}}, "_FastCV", "true"},
+        FlagCase{{{"IDXFastCVBBoxes", "NO"}}, "_FastCVBBoxes", "false"},
+        FlagCase{{{"IDXLog2CV", "1"}}, "_Log2CV", "true"},
+        FlagCase{{{"IDXLog2CV", "FALSE"}}, "_Log2CV", "false"},
+        FlagCase{{{"IDXLog2CVPerfo", ""}}, "_Log2CVPerfo", "true"},
+        FlagCase{{{"IDXForceOctreeWithThbOnly", "yes"}}, "_ForceOctreeWithThbOnly", "true"}));
 
 // defined / undefined: any value counts, "0" and the empty value included.
 INSTANTIATE_TEST_SUITE_P(
@@ -120,14 +126,17 @@ INSTANTIATE_TEST_SUITE_P(
         FlagCase{{{"IDXDisableRTree", "FALSE"}}, "IsRTreeDisabledRT()", "true"},
         FlagCase{{{"KORQuillonCheckMemoryConsistency", "x"}}, "CheckMemoryConsistency()", "true"},
         FlagCase{{{"ReadableTimestampsForBBDMonitorFolders", "1"}},
-                 "ReadableTimeStampsForBBDMonitorFolders()", "true"},
-        FlagCase{{{"ReadableTimeStampsForBBDMonitorFolders", "1"}},
-                 "ReadableTimeStampsForBBDMonitorFolders()", "false"},
-        FlagCase{{{"IDXNewSecu", "NO"}}, "IsNewSecuEnabled()", "true"},
-        FlagCase{{{"IDXConfigCacheDir", "/var/cache/idx"}}, "IsPersistantConfigCacheActive()",
+                 "ReadableTimeStampsForBBDMonitorFolders()",
                  "true"},
+        FlagCase{{{"ReadableTimeStampsForBBDMonitorFolders", "1"}},
+                 "ReadableTimeStampsForBBDMonitorFolders()",
+                 "false"},
+        FlagCase{{{"IDXNewSecu", "NO"}}, "IsNewSecuEnabled()", "true"},
+        FlagCase{
+            {{"IDXConfigCacheDir", "/var/cache/idx"}}, "IsPersistantConfigCacheActive()", "true"},
         FlagCase{{{"IDXConfigCacheDir", "/var/cache/idx"}},
-                 "GetPersistantConfigCacheDir().ConvertToChar()", "/var/cache/idx"},
+                 "GetPersistantConfigCacheDir().ConvertToChar()",
+                 "/var/cache/idx"},
         FlagCase{{{"IDX_DO_NOT_USE_SimplifiedVLM", "0"}}, "UseVLMSimplified()", "false"},
         FlagCase{{{"IDX_NO_INDEX_DWH", ""}}, "DWHIndexing()", "false"},
         FlagCase{{{"NO_ADVANCED_MIGRATION", "1"}}, "AdvancedMigration()", "false"},
@@ -139,40 +148,49 @@ INSTANTIATE_TEST_SUITE_P(
 INSTANTIATE_TEST_SUITE_P(
     Number, DevFlagRules,
     ::testing::Values(
-        FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "5000"}}, "MaxMemorySizeForBuilderInMB()",
-                 "5000"},
+        FlagCase{
+            {{"IDX_MaxMemorySizeForBuilderInMB", "5000"}}, "MaxMemorySizeForBuilderInMB()", "5000"},
         FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "5000"}},
-                 "MaxMemorySizeForAllBuildersinMB()", "5000"},
-        FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "lots"}}, "MaxMemorySizeForBuilderInMB()",
-                 "0"},
+                 "MaxMemorySizeForAllBuildersinMB()",
+                 "5000"},
+        FlagCase{
+            {{"IDX_MaxMemorySizeForBuilderInMB", "lots"}}, "MaxMemorySizeForBuilderInMB()", "0"},
         FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "lots"}},
-                 "MaxMemorySizeForAllBuildersinMB()", "0"},
-        FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "-1"}}, "MaxMemorySizeForBuilderInMB()",
+                 "MaxMemorySizeForAllBuildersinMB()",
+                 "0"},
+        FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "-1"}},
+                 "MaxMemorySizeForBuilderInMB()",
                  "4294967295"},
         FlagCase{{{"IDX_MaxMemorySizeForBuilderInMB", "4000000000"}},
-                 "MaxMemorySizeForBuilderInMB()", "4000000000"},
+                 "MaxMemorySizeForBuilderInMB()",
+                 "4000000000"},
         FlagCase{{{"IDXQueryMaxDuration", "30"}}, "QueryTimerMilliSecond()", "30000"},
         FlagCase{{{"IDXQueryMaxDuration", "4294968"}}, "QueryTimerMilliSecond()", "704"},
         FlagCase{{{"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs", " +250ms"}},
-                 "DerivedObjectComputationTimeLimitForBuilderLogsInMs()", "250"},
+                 "DerivedObjectComputationTimeLimitForBuilderLogsInMs()",
+                 "250"},
         FlagCase{{{"IDXRecoverInstanceSecondsNumber", "60"}}, "RecoverInstanceSeconds()", "60"},
         FlagCase{{{"IDXRecoverInstanceSecondsNumber", ""}}, "RecoverInstanceSeconds()", "0"},
         FlagCase{{{"IDXRecoverInstanceSecondsNumber", "99999999999999999999"}},
-                 "RecoverInstanceSeconds()", "1661992959"}));
+                 "RecoverInstanceSeconds()",
+                 "1661992959"}));
 
 // The derived generation: the first variable wins only from 1 upwards.
 INSTANTIATE_TEST_SUITE_P(
     KeepGeneration, DevFlagRules,
     ::testing::Values(
         FlagCase{{{"IDXKeepPreviousGeneration", "0"}, {"KeepPreviousGeneration", "3"}},
-                 "KeepGeneration()", "3"},
+                 "KeepGeneration()",
+                 "3"},
         FlagCase{{{"IDXKeepPreviousGeneration", "2"}, {"KeepPreviousGeneration", "3"}},
-                 "KeepGeneration()", "2"},
+                 "KeepGeneration()",
+                 "2"},
         FlagCase{{{"IDXKeepPreviousGeneration", "2"}}, "KeepGeneration()", "2"},
         FlagCase{{{"IDXKeepPreviousGeneration", "-5"}}, "KeepGeneration()", "-1"},
         FlagCase{{{"KeepPreviousGeneration", "-7"}}, "KeepGeneration()", "-7"},
         FlagCase{{{"IDXKeepPreviousGeneration", "1"}, {"KeepPreviousGeneration", "9"}},
-                 "KeepGeneration()", "1"}));
+                 "KeepGeneration()",
+                 "1"}));
 
 // Read at every call.
 INSTANTIATE_TEST_SUITE_P(
@@ -180,14 +198,15 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         FlagCase{{{"IDXKeepPreviousGeneration", ""}}, "RunWithCVServlet()", "false"},
         FlagCase{{{"IDXKeepPreviousGeneration", "0"}, {"RUN_WITH_CVSERVLET", "YES"}},
-                 "RunWithCVServlet()", "false"},
+                 "RunWithCVServlet()",
+                 "false"},
         FlagCase{{{"RUN_WITH_CVSERVLET", "NO"}}, "RunWithCVServlet()", "false"},
         FlagCase{{{"RUN_WITH_CVSERVLET", "no"}}, "RunWithCVServlet()", "true"},
         FlagCase{{{"RUN_WITH_CVSERVLET", "0"}}, "RunWithCVServlet()", "true"},
         FlagCase{{{"QBR_PMX_TMP", ""}}, "dontKillOrpheanBuilders()", "true"},
         FlagCase{{{"IDXDontKillOrpheanBuilders", "0"}}, "dontKillOrpheanBuilders()", "true"},
-        FlagCase{{{"KORIndexStoragePath", "/data/index"}}, "getKORIndexStoragePath()",
-                 "/data/index"},
+        FlagCase{
+            {{"KORIndexStoragePath", "/data/index"}}, "getKORIndexStoragePath()", "/data/index"},
         FlagCase{{{"KORIndexStoragePath", ""}}, "getKORIndexStoragePath()", ""},
         FlagCase{{{"PLM_INDEX_DISABLED", "0"}}, "isPlmIndexDisabled()", "true"},
         FlagCase{{{"PLM_INDEX_INPROCESS", ""}}, "isPlmIndexInProcess()", "true"}));

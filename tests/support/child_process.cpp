@@ -1,13 +1,12 @@
 #include "support/child_process.h"
 
+#include <gtest/gtest.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
-
-#include <gtest/gtest.h>
 
 namespace idxbase_test {
 namespace {
@@ -53,8 +52,8 @@ ChildResult RunChild(const std::vector<std::string>& argv,
   posix_spawn_file_actions_adddup2(&actions, pipeFds[1], STDERR_FILENO);
   posix_spawn_file_actions_addclose(&actions, pipeFds[0]);
   pid_t pid = 0;
-  int rc = posix_spawn(&pid, argPointers[0], &actions, nullptr, argPointers.data(),
-                       envPointers.data());
+  int rc =
+      posix_spawn(&pid, argPointers[0], &actions, nullptr, argPointers.data(), envPointers.data());
   posix_spawn_file_actions_destroy(&actions);
   close(pipeFds[1]);
   if (rc != 0) {

@@ -1,11 +1,10 @@
 #include "support/stdout_capture.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
-
-#include <gtest/gtest.h>
 
 namespace idxbase_test {
 

@@ -1,0 +1,106 @@
+#include "idxbase/kor_settings.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+
+#include "idxbase/kor_system.h"
+#include "platform/kor_settings_file.h"
+#include "scoped_env.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using idxbase::detail::ParseSettings;
+using idxbase::detail::SettingsDirectory;
+using idxbase_test::ScopedEnv;
+using idxbase_test::TempDir;
+using idxbase_test::WriteFile;
+using Settings = std::map<std::string, std::string>;
+
+TEST(KORSettingsFile, ParsesTrimmedLinesAndLaterKeyWins) {
+  const Settings expected = {
+      {"key", "second"}, {"spaced key", "spaced value"}, {"url", "a=b=c"}, {"empty", ""}};
+  EXPECT_EQ(expected, ParseSettings("key=first\n"
+                                    "  spaced key \t=  spaced value  \r\n"
+                                    "# comment=1\n"
+                                    "   # indented=2\n"
+                                    "\n"
+                                    "no equals sign\n"
+                                    " = no key\n"
+                                    "url=a=b=c\n"
+                                    "empty=\n"
+                                    " key = second "));
+}
+
+TEST(KORSettingsFile, DirectoryComesFromTheFirstDefinedVariable) {
+  ScopedEnv env;
+  env.Set("IDXBASE_SETTINGS_DIR", "/settings");
+  env.Set("XDG_CONFIG_HOME", "/xdg");
+  env.Set("HOME", "/home/user");
+  EXPECT_EQ("/settings", SettingsDirectory());
+  env.Set("IDXBASE_SETTINGS_DIR", std::nullopt);
+  EXPECT_EQ("/xdg/idxbase", SettingsDirectory());
+  env.Set("XDG_CONFIG_HOME", "");
+  EXPECT_EQ("/home/user/.config/idxbase", SettingsDirectory());
+  env.Set("HOME", std::nullopt);
+  EXPECT_EQ("", SettingsDirectory());
+}
+
+// A settings directory of its own for one test. Each test also uses
+// repository names of its own: repositories live as long as the process.
+struct SettingsDir {
+  SettingsDir() { env.Set("IDXBASE_SETTINGS_DIR", dir.path()); }
+  void Write(const std::string& name, const std::string& content) const {
+    WriteFile(dir.Join(name + ".settings"), content);
+  }
+  TempDir dir;
+  ScopedEnv env;
+};
+
+KORSettingRepository* Get(const char* name) {
+  return KORSettingRepository::GetRepository(name, 0, KORSettingRepository::KORSettingReadOnly,
+                                             nullptr);
+}
+
+TEST(KORSettingRepository, ReadsTheNamedFileOnceAndKeepsIt) {
+  const SettingsDir settings;
+  settings.Write("platform_test_found", "alpha = 1\nbeta=two words\n");
+  KORSettingRepository* repository = Get("platform_test_found");
+  ASSERT_NE(nullptr, repository);
+  EXPECT_STREQ("platform_test_found", repository->GetName().ConvertToChar());
+  EXPECT_EQ(2, repository->Size());
+  KORUnicodeString value;
+  EXPECT_TRUE(repository->GetValue("beta", value));
+  EXPECT_STREQ("two words", value.ConvertToChar());
+  EXPECT_FALSE(repository->GetValue("gamma", value));
+  EXPECT_FALSE(repository->GetValue(nullptr, value));
+  EXPECT_STREQ("two words", value.ConvertToChar());
+  settings.Write("platform_test_found", "gamma=3\n");  // not read again
+  EXPECT_EQ(repository, Get("platform_test_found"));
+  EXPECT_EQ(2, repository->Size());
+}
+
+TEST(KORSettingRepository, MissingFileIsRetriedOnLaterCalls) {
+  const SettingsDir settings;
+  EXPECT_EQ(nullptr, Get("platform_test_late"));
+  settings.Write("platform_test_late", "key=value\n");
+  ASSERT_NE(nullptr, Get("platform_test_late"));
+  EXPECT_EQ(1, Get("platform_test_late")->Size());
+}
+
+TEST(KORSettingRepository, RefusesInvalidNamesAndUnreadableFiles) {
+  const SettingsDir settings;
+  ASSERT_EQ(KOR_S_OK, _KORCreateDirectory(settings.dir.Join("sub").c_str()));
+  settings.Write("sub/inner", "a=1\n");
+  settings.Write("", "a=1\n");
+  EXPECT_EQ(nullptr, Get(nullptr));
+  EXPECT_EQ(nullptr, Get(""));
+  EXPECT_EQ(nullptr, Get("sub/inner"));
+  // A directory in the file's place opens but cannot be read.
+  ASSERT_EQ(KOR_S_OK, _KORCreateDirectory(settings.dir.Join("platform_test_dir.settings").c_str()));
+  EXPECT_EQ(nullptr, Get("platform_test_dir"));
+}
+
+}  // namespace

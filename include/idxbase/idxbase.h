@@ -4,6 +4,10 @@
 #define IDXBASE_IDXBASE_H_
 
 #include "idxbase/export.h"
+#include "idxbase/filter_attributes.h"
+#include "idxbase/filter_expressions.h"
+#include "idxbase/filter_operands.h"
+#include "idxbase/filter_vocabulary.h"
 #include "idxbase/performance.h"
 #include "idxbase/platform.h"
 #include "idxbase/settings.h"

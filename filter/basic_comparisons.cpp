@@ -1,0 +1,331 @@
+// The evaluation functions of basic expressions and their table. Each
+// comparison reads its operands into the expression's value slots and
+// compares them; only the membership tests build a (pointer) list.
+#include "idxbase/filter_attributes.h"
+#include "idxbase/filter_expressions.h"
+
+using Basic = BBDBasicExpression;
+
+namespace {
+
+KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+              int& value) {
+  return operand.GetValInt(o, c, r, value);
+}
+KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+              float& value) {
+  return operand.GetValFloat(o, c, r, value);
+}
+KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+              bool& value) {
+  return operand.GetValBool(o, c, r, value);
+}
+KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+              KORTime& value) {
+  return operand.GetValTime(o, c, r, value);
+}
+template <class Slot>
+KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+              Slot& value) {
+  return operand.GetValString(o, c, r, value.text, value.length);
+}
+
+KORStatus Decide(bool holds) { return holds ? IDX_FILTER_HOLDS : IDX_FILTER_DOES_NOT; }
+
+bool SameDay(const KORTime& a, const KORTime& b) {
+  return a.GetYear(0) == b.GetYear(0) && a.GetMonth(0) == b.GetMonth(0) &&
+         a.GetDay(0) == b.GetDay(0);
+}
+
+}  // namespace
+
+template <>
+int& Basic::SlotOf<int>(int position) {
+  return m_IntValue[position];
+}
+template <>
+float& Basic::SlotOf<float>(int position) {
+  return m_FloatValue[position];
+}
+template <>
+bool& Basic::SlotOf<bool>(int position) {
+  return m_BoolValue[position];
+}
+template <>
+Basic::StringSlot& Basic::SlotOf<Basic::StringSlot>(int position) {
+  return m_StringValue[position];
+}
+template <>
+KORTime& Basic::SlotOf<KORTime>(int position) {
+  return m_TimeValue[position];
+}
+
+template <class Value>
+KORStatus Basic::Read(int position, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  BBDOperand* operand = m_Operand[position];
+  if (operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK) {
+    return KOR_E_FAIL;
+  }
+  return KOR_S_OK;
+}
+
+template <class Value, class Holds>
+KORStatus Basic::Compare(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                         Holds holds) {
+  if (Read<Value>(0, o, c, r) != KOR_S_OK || Read<Value>(1, o, c, r) != KOR_S_OK) {
+    return IDX_FILTER_UNDECIDABLE;
+  }
+  return Decide(holds(SlotOf<Value>(0), SlotOf<Value>(1)));
+}
+
+template <class Value, class Holds>
+KORStatus Basic::CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                              Holds holds) {
+  if (Read<Value>(0, o, c, r) != KOR_S_OK || Read<Value>(1, o, c, r) != KOR_S_OK ||
+      Read<Value>(2, o, c, r) != KOR_S_OK) {
+    return IDX_FILTER_UNDECIDABLE;
+  }
+  return Decide(holds(SlotOf<Value>(0), SlotOf<Value>(1), SlotOf<Value>(2)));
+}
+
+// An element that gives no value (or is null) makes the test undecidable
+// unless an earlier element matched. The list holds pointers only: the
+// elements stay owned by the set.
+template <class Value, class Same>
+KORStatus Basic::IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Same same) {
+  if (Read<Value>(0, o, c, r) != KOR_S_OK) return IDX_FILTER_UNDECIDABLE;
+  KORListPtrBBDOperand elements;
+  if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, elements) != KOR_S_OK) {
+    return IDX_FILTER_UNDECIDABLE;
+  }
+  const KORListPtrBBDOperand& list = elements;
+  for (int position = 1; position <= list.Size(); ++position) {
+    BBDOperand* element = list[position];
+    Value value{};
+    if (element == nullptr || Get(*element, o, c, r, value) != KOR_S_OK) {
+      return IDX_FILTER_UNDECIDABLE;
+    }
+    if (same(SlotOf<Value>(0), value)) return IDX_FILTER_HOLDS;
+  }
+  return IDX_FILTER_DOES_NOT;
+}
+
+KORStatus Basic::EvalEqualInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a == b; });
+}
+
+KORStatus Basic::EvalEqualString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareStrings(a.length, a.text, b.length, b.text) == 0;
+  });
+}
+
+KORStatus Basic::EvalEqualFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<float>(o, c, r, [](const float& a, const float& b) { return a == b; });
+}
+
+KORStatus Basic::EvalEqualBoolean(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<bool>(o, c, r, [](const bool& a, const bool& b) { return a == b; });
+}
+
+KORStatus Basic::EvalEqualTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<KORTime>(o, c, r,
+                          [](const KORTime& a, const KORTime& b) { return SameDay(a, b); });
+}
+
+KORStatus Basic::EvalDifferentInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a != b; });
+}
+
+KORStatus Basic::EvalDifferentString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareStrings(a.length, a.text, b.length, b.text) != 0;
+  });
+}
+
+KORStatus Basic::EvalDifferentFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<float>(o, c, r, [](const float& a, const float& b) { return !(a == b); });
+}
+
+KORStatus Basic::EvalDifferentBoolean(const BBDOccurrence& o, unsigned int c,
+                                      BBDIAttributeRead& r) {
+  return Compare<bool>(o, c, r, [](const bool& a, const bool& b) { return a != b; });
+}
+
+// Holds whenever equality does not: also when equality is undecidable.
+KORStatus Basic::EvalDifferentTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return EvalEqualTime(o, c, r) == IDX_FILTER_HOLDS ? IDX_FILTER_DOES_NOT : IDX_FILTER_HOLDS;
+}
+
+KORStatus Basic::EvalLowerInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a < b; });
+}
+
+KORStatus Basic::EvalLowerString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareStrings(a.length, a.text, b.length, b.text) < 0;
+  });
+}
+
+KORStatus Basic::EvalLowerFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<float>(o, c, r, [](const float& a, const float& b) { return b > a; });
+}
+
+KORStatus Basic::EvalLowerTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return a < b; });
+}
+
+KORStatus Basic::EvalLowerEqInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<int>(o, c, r, [](const int& a, const int& b) { return !(a > b); });
+}
+
+KORStatus Basic::EvalLowerEqString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareStrings(a.length, a.text, b.length, b.text) <= 0;
+  });
+}
+
+KORStatus Basic::EvalLowerEqFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<float>(o, c, r, [](const float& a, const float& b) { return b >= a; });
+}
+
+KORStatus Basic::EvalLowerEqTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return !(a > b); });
+}
+
+KORStatus Basic::EvalHigherInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a > b; });
+}
+
+KORStatus Basic::EvalHigherString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareStrings(a.length, a.text, b.length, b.text) > 0;
+  });
+}
+
+KORStatus Basic::EvalHigherFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<float>(o, c, r, [](const float& a, const float& b) { return a > b; });
+}
+
+KORStatus Basic::EvalHigherTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return a > b; });
+}
+
+KORStatus Basic::EvalHigherEqInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<int>(o, c, r, [](const int& a, const int& b) { return !(a < b); });
+}
+
+KORStatus Basic::EvalHigherEqString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareStrings(a.length, a.text, b.length, b.text) >= 0;
+  });
+}
+
+KORStatus Basic::EvalHigherEqFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<float>(o, c, r, [](const float& a, const float& b) { return a >= b; });
+}
+
+KORStatus Basic::EvalHigherEqTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return a >= b; });
+}
+
+KORStatus Basic::EvalBetweenInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return CompareRange<int>(
+      o, c, r, [](const int& a, const int& lo, const int& hi) { return !(a < lo) && !(a > hi); });
+}
+
+KORStatus Basic::EvalBetweenString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return CompareRange<StringSlot>(
+      o, c, r, [](const StringSlot& a, const StringSlot& lo, const StringSlot& hi) {
+        return CompareStrings(a.length, a.text, lo.length, lo.text) >= 0 &&
+               CompareStrings(a.length, a.text, hi.length, hi.text) <= 0;
+      });
+}
+
+KORStatus Basic::EvalBetweenFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return CompareRange<float>(o, c, r, [](const float& a, const float& lo, const float& hi) {
+    return !(lo > a) && !(a > hi);
+  });
+}
+
+KORStatus Basic::EvalBetweenTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return CompareRange<KORTime>(o, c, r, [](const KORTime& a, const KORTime& lo, const KORTime& hi) {
+    return !(a < lo) && !(a > hi);
+  });
+}
+
+KORStatus Basic::EvalInInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return IsMember<int>(o, c, r, [](const int& a, const int& e) { return a == e; });
+}
+
+KORStatus Basic::EvalInFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return IsMember<float>(o, c, r, [](const float& a, const float& e) { return a == e; });
+}
+
+KORStatus Basic::EvalInString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return IsMember<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& e) {
+    return CompareStrings(a.length, a.text, e.length, e.text) == 0;
+  });
+}
+
+KORStatus Basic::EvalLikeString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareLikeStrings(a.length, a.text, b.length, b.text) == 0;
+  });
+}
+
+KORStatus Basic::EvalNotLikeString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
+    return CompareLikeStrings(a.length, a.text, b.length, b.text) != 0;
+  });
+}
+
+KORStatus Basic::EvalUnsupported(const BBDOccurrence&, unsigned int, BBDIAttributeRead&) {
+  return IDX_FILTER_UNDECIDABLE;
+}
+
+// Indexed by operator value; null where the operator has no evaluation.
+const Basic::EvalFunction Basic::m_EvalFunctionTable[42] = {
+    nullptr,                       // 0 !
+    nullptr,                       // 1 |
+    nullptr,                       // 2 &
+    &Basic::EvalEqualInt,          // 3
+    &Basic::EvalEqualString,       // 4
+    &Basic::EvalEqualFloat,        // 5
+    &Basic::EvalEqualBoolean,      // 6
+    &Basic::EvalBetweenString,     // 7
+    &Basic::EvalBetweenInt,        // 8
+    &Basic::EvalBetweenFloat,      // 9
+    &Basic::EvalLowerString,       // 10
+    &Basic::EvalLowerInt,          // 11
+    &Basic::EvalLowerFloat,        // 12
+    &Basic::EvalLowerEqString,     // 13
+    &Basic::EvalLowerEqInt,        // 14
+    &Basic::EvalLowerEqFloat,      // 15
+    &Basic::EvalHigherString,      // 16
+    &Basic::EvalHigherInt,         // 17
+    &Basic::EvalHigherFloat,       // 18
+    &Basic::EvalHigherEqString,    // 19
+    &Basic::EvalHigherEqInt,       // 20
+    &Basic::EvalHigherEqFloat,     // 21
+    nullptr,                       // 22 KINDOF
+    &Basic::EvalLikeString,        // 23
+    &Basic::EvalDifferentInt,      // 24
+    &Basic::EvalDifferentString,   // 25
+    &Basic::EvalDifferentFloat,    // 26
+    &Basic::EvalDifferentBoolean,  // 27
+    &Basic::EvalInInt,             // 28
+    &Basic::EvalInString,          // 29
+    &Basic::EvalInFloat,           // 30
+    &Basic::EvalInInt,             // 31 IN over booleans reads integers
+    nullptr,                       // 32 multival
+    &Basic::EvalNotLikeString,     // 33
+    &Basic::EvalEqualTime,         // 34
+    &Basic::EvalDifferentTime,     // 35
+    &Basic::EvalBetweenTime,       // 36
+    &Basic::EvalLowerTime,         // 37
+    &Basic::EvalLowerEqTime,       // 38
+    &Basic::EvalHigherTime,        // 39
+    &Basic::EvalHigherEqTime,      // 40
+    &Basic::EvalUnsupported,       // 41
+};

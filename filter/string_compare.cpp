@@ -1,0 +1,99 @@
+#include "filter/string_compare.h"
+
+#include <cstring>
+
+namespace idxbase::detail {
+namespace {
+
+constexpr char kWildcard = '*';
+
+inline unsigned char Fold(unsigned char c) {
+  return (c >= 'A' && c <= 'Z') ? static_cast<unsigned char>(c + 32) : c;
+}
+
+inline unsigned char Byte(const char* text, int i) { return static_cast<unsigned char>(text[i]); }
+
+bool OnlyWildcards(const char* p, int from, int to) {
+  for (int j = from; j < to; ++j) {
+    if (p[j] != kWildcard) return false;
+  }
+  return true;
+}
+
+bool FoldedEqual(const char* s, const char* p, int length) {
+  for (int k = 0; k < length; ++k) {
+    if (Fold(Byte(s, k)) != Fold(Byte(p, k))) return false;
+  }
+  return true;
+}
+
+// First position at or after `from` where the `length` bytes of `segment`
+// occur in s[0, lengthS), or -1.
+int FindExact(const char* s, int from, int lengthS, const char* segment, int length) {
+  const char* const end = s + lengthS;
+  const char* cursor = s + from;
+  while (end - cursor >= length) {
+    const void* hit =
+        std::memchr(cursor, segment[0], static_cast<size_t>(end - cursor - length + 1));
+    if (hit == nullptr) return -1;
+    cursor = static_cast<const char*>(hit);
+    if (std::memcmp(cursor + 1, segment + 1, static_cast<size_t>(length - 1)) == 0) {
+      return static_cast<int>(cursor - s);
+    }
+    ++cursor;
+  }
+  return -1;
+}
+
+int FindFolded(const char* s, int from, int lengthS, const char* segment, int length) {
+  const unsigned char first = Fold(Byte(segment, 0));
+  for (int start = from; start <= lengthS - length; ++start) {
+    if (Fold(Byte(s, start)) == first && FoldedEqual(s + start + 1, segment + 1, length - 1)) {
+      return start;
+    }
+  }
+  return -1;
+}
+
+}  // namespace
+
+int CompareStrings(bool caseSensitive, int lengthA, const char* a, int lengthB, const char* b) {
+  const int n = lengthA < lengthB ? lengthA : lengthB;
+  for (int i = 0; i < n; ++i) {
+    unsigned char x = Byte(a, i);
+    unsigned char y = Byte(b, i);
+    if (!caseSensitive) {
+      x = Fold(x);
+      y = Fold(y);
+    }
+    if (x != y) return static_cast<signed char>(x) < static_cast<signed char>(y) ? -1 : 1;
+  }
+  return lengthA > lengthB ? 1 : (lengthA == lengthB ? 0 : -1);
+}
+
+int CompareLikeStrings(bool caseSensitive, int lengthS, const char* s, int lengthP, const char* p) {
+  if (lengthS == 0) {
+    if (lengthP < 0) return 1;
+    return OnlyWildcards(p, 0, lengthP) ? 0 : 1;
+  }
+  if (lengthS < 0) return 0;
+  int i = 0;
+  int j = 0;
+  for (;;) {
+    while (j < lengthP && p[j] == kWildcard) ++j;
+    if (j >= lengthP) return 0;
+    // The segment runs from j to the next wildcard or the pattern's end.
+    const void* star = std::memchr(p + j, kWildcard, static_cast<size_t>(lengthP - j));
+    const int segmentEnd =
+        star != nullptr ? static_cast<int>(static_cast<const char*>(star) - p) : lengthP;
+    const int length = segmentEnd - j;
+    const int start = caseSensitive ? FindExact(s, i, lengthS, p + j, length)
+                                    : FindFolded(s, i, lengthS, p + j, length);
+    if (start < 0) return 1;
+    i = start + length;
+    j = segmentEnd;
+    if (i == lengthS) return OnlyWildcards(p, j, lengthP) ? 0 : 1;
+  }
+}
+
+}  // namespace idxbase::detail

@@ -14,45 +14,57 @@ IDX_Filter_OperandType BBDOperandAttribute::GetOperandType() {
 }
 IDX_Filter_ValueType BBDOperandAttribute::GetValueType() { return m_ValueType; }
 
+namespace {
+
+// Runs `read` (a call of the reader) into a local and hands the value on
+// only when the reader succeeded, so a failed read leaves `out` untouched.
+template <class Local, class Out, class Read>
+KORStatus Deliver(bool typeMatches, Out& out, Read read) {
+  if (!typeMatches) return KOR_E_FAIL;
+  Local value{};
+  if (read(value) == 0) return KOR_E_FAIL;
+  out = value;
+  return KOR_S_OK;
+}
+
+}  // namespace
+
 KORStatus BBDOperandAttribute::ReadString(AttributeTypePair* pair, const BBDOccurrence& occurrence,
                                           unsigned int level, BBDIAttributeRead& reader,
                                           const char*& value, int& length) {
-  if (m_ValueType != IDX_Filter_Type_String) return KOR_E_FAIL;
-  int read = 0;
-  if (reader.ReadString(occurrence, level, pair, value, read) == 0) return KOR_E_FAIL;
-  length = read;
-  return KOR_S_OK;
+  // The reader writes the string pointer straight into the caller's output.
+  return Deliver<int>(m_ValueType == IDX_Filter_Type_String, length, [&](int& read) {
+    return reader.ReadString(occurrence, level, pair, value, read);
+  });
 }
 
 KORStatus BBDOperandAttribute::ReadInt(AttributeTypePair* pair, const BBDOccurrence& occurrence,
                                        unsigned int level, BBDIAttributeRead& reader, int& value) {
-  if (m_ValueType != IDX_Filter_Type_Int) return KOR_E_FAIL;
-  int read = 0;
-  if (reader.ReadInt(occurrence, level, pair, read) == 0) return KOR_E_FAIL;
-  value = read;
-  return KOR_S_OK;
+  return Deliver<int>(m_ValueType == IDX_Filter_Type_Int, value,
+                      [&](int& read) { return reader.ReadInt(occurrence, level, pair, read); });
 }
 
 KORStatus BBDOperandAttribute::ReadFloat(AttributeTypePair* pair, const BBDOccurrence& occurrence,
                                          unsigned int level, BBDIAttributeRead& reader,
                                          float& value) {
-  if (m_ValueType != IDX_Filter_Type_Float) return KOR_E_FAIL;
-  float read = 0.0f;
-  if (reader.ReadFloat(occurrence, level, pair, read) == 0) return KOR_E_FAIL;
-  value = read;
-  return KOR_S_OK;
+  return Deliver<float>(m_ValueType == IDX_Filter_Type_Float, value, [&](float& read) {
+    return reader.ReadFloat(occurrence, level, pair, read);
+  });
 }
 
+// The boolean is true exactly when the reader gives 1.
 KORStatus BBDOperandAttribute::ReadBool(AttributeTypePair* pair, const BBDOccurrence& occurrence,
                                         unsigned int level, BBDIAttributeRead& reader,
                                         bool& value) {
-  if (m_ValueType != IDX_Filter_Type_Boolean) return KOR_E_FAIL;
   int read = 0;
-  if (reader.ReadBool(occurrence, level, pair, read) == 0) return KOR_E_FAIL;
-  value = read == 1;
-  return KOR_S_OK;
+  const KORStatus status =
+      Deliver<int>(m_ValueType == IDX_Filter_Type_Boolean, read,
+                   [&](int& local) { return reader.ReadBool(occurrence, level, pair, local); });
+  if (status == KOR_S_OK) value = read == 1;
+  return status;
 }
 
+// The reader writes the time straight into the caller's output.
 KORStatus BBDOperandAttribute::ReadTime(AttributeTypePair* pair, const BBDOccurrence& occurrence,
                                         unsigned int level, BBDIAttributeRead& reader,
                                         KORTime& value) {

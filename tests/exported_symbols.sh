@@ -17,7 +17,13 @@ for name in 'KORUnicodeString::KORUnicodeString(char const\*)' 'KORSysTSUnicodeS
     'IDX_Base_Constants::CHECKSUM_FILENAME' 'IDX_Base_Settings::GetIdxBaseSettings()' \
     'IDX_Base_Trace::Debug(' 'IDX_Base_Trace::RedirectStdoutToTraces' \
     'PLMIdxPerfTrace::Trace(' 'PLMSearchTimer::StartTimer' 'GetAboutInfo(' \
-    'typeinfo for KORThreads' 'vtable for PLMSearchTimer'; do
+    'typeinfo for KORThreads' 'vtable for PLMSearchTimer' \
+    'IDX_Filter_Infos::NumberOfOperands' 'IDX_Filter_Infos::OperatorType' \
+    'BBDOperand::Compile(BBDOperand*&)' 'BBDOperandSet::Append' 'vtable for BBDOperandStringConst' \
+    'typeinfo for BBDIAttributeRead' 'vtable for BBDOccurrence' 'typeinfo for BBDTypeInfo' \
+    'AttributeTypePair::print()' 'BBDOperandMultiTypeClient::GetValInt' \
+    'BBDExpression::Compile(BBDExpression*&)' 'BBDBasicExpression::eval' \
+    'BBDComposedExpression::toString' 'vtable for BBDNAExpression'; do
   if ! grep -qF -- "${name//\\/}" <<<"$symbols"; then
     echo "missing from the exports: $name"
     fail=1

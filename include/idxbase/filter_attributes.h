@@ -153,14 +153,14 @@ class IDXBASE_API BBDOperandMultiType : public BBDOperandAttribute {
   // over `pair` (may be null).
   BBDOperandMultiType(const KORListPtrBBDTypeInfo& types, AttributeTypePair* pair,
                       IDX_Filter_ValueType valueType);
-  BBDOperandMultiType(const BBDOperandMultiType& other);
-  BBDOperandMultiType& operator=(const BBDOperandMultiType& other);
+  BBDOperandMultiType(const BBDOperandMultiType& other) = default;
+  BBDOperandMultiType& operator=(const BBDOperandMultiType& other) = default;
   ~BBDOperandMultiType() override;
 
  protected:
   BBDOperandMultiType(const KORListPtrBBDTypeInfo& types, IDX_Filter_ValueType valueType);
 
-  int GetTypesNumber() const { return m_Types.Size(); }
+  int GetTypesNumber() const { return m_Types.list().Size(); }
   // KOR_S_OK when the occurrence has the levels level .. level + N - 1
   // (N the path's length, computed in unsigned 32-bit arithmetic, so N = 0
   // at level 0 fails) and the object at level + i - 1 is of the path's
@@ -170,10 +170,7 @@ class IDXBASE_API BBDOperandMultiType : public BBDOperandAttribute {
                           BBDIAttributeRead& reader);
 
  private:
-  void ReleaseTypes();
-
-  KORListPtrBBDTypeInfo m_Types;
-  std::vector<std::shared_ptr<BBDTypeInfo>> m_TypeOwners;  // same order as m_Types
+  idxbase::detail::SharedElements<BBDTypeInfo, KORListPtrBBDTypeInfo> m_Types;
 };
 
 // An attribute at the end of a path of types: each read first checks the

@@ -86,6 +86,46 @@ class IDXBASE_API KORListPtrBBDTypeInfo : public KORRawCollPV {
   }
 };
 
+namespace idxbase::detail {
+
+// A pointer list whose elements are owned jointly by every copy of it: an
+// element is deleted once, with the last copy that holds it. Release lets
+// go of the elements in list order. Null elements are kept and skipped.
+template <class T, class List>
+class SharedElements {
+ public:
+  SharedElements() = default;
+  SharedElements(const SharedElements&) = default;
+  SharedElements& operator=(const SharedElements& other) {
+    if (this != &other) {
+      Release();
+      list_ = other.list_;
+      owners_ = other.owners_;
+    }
+    return *this;
+  }
+  ~SharedElements() { Release(); }
+
+  // Appends `element` and takes a share of it; returns its position.
+  int Adopt(T* element) {
+    owners_.emplace_back(element);
+    return list_.Append(element);
+  }
+  void Release() {
+    for (std::shared_ptr<T>& owner : owners_) owner.reset();
+    owners_.clear();
+    list_.RemoveAll(KORCollec::KeepMemory);
+  }
+  List& list() { return list_; }
+  const List& list() const { return list_; }
+
+ private:
+  List list_;
+  std::vector<std::shared_ptr<T>> owners_;  // same order as list_
+};
+
+}  // namespace idxbase::detail
+
 // The operand interface. An operand delivers one value, in the value type
 // that a comparison asks for, for the occurrence under evaluation.
 //
@@ -256,13 +296,13 @@ class IDXBASE_API BBDOperandSet : public BBDOperand {
   BBDOperandSet();
   // A set whose only element is `element` (taken over; may be null).
   explicit BBDOperandSet(BBDOperand* element);
-  BBDOperandSet(const BBDOperandSet& other);
-  BBDOperandSet& operator=(const BBDOperandSet& other);
+  BBDOperandSet(const BBDOperandSet& other) = default;
+  BBDOperandSet& operator=(const BBDOperandSet& other) = default;
   ~BBDOperandSet() override;
 
   // Appends `element` and takes it over; returns its position.
   int Append(BBDOperand* element);
-  int Size() const { return m_Elements.Size(); }
+  int Size() const { return m_Elements.list().Size(); }
 
   IDX_Filter_OperandType GetOperandType() override;
   IDX_Filter_ValueType GetValueType() override;
@@ -273,10 +313,7 @@ class IDXBASE_API BBDOperandSet : public BBDOperand {
   void print() override;
 
  private:
-  void ReleaseElements();
-
-  KORListPtrBBDOperand m_Elements;
-  std::vector<std::shared_ptr<BBDOperand>> m_Owners;  // same order as m_Elements
+  idxbase::detail::SharedElements<BBDOperand, KORListPtrBBDOperand> m_Elements;
 };
 
 #endif  // IDXBASE_FILTER_OPERANDS_H_

@@ -22,6 +22,10 @@ install(FILES
   ${PROJECT_BINARY_DIR}/idxbaseConfigVersion.cmake
   DESTINATION ${IDXBASE_CMAKE_DIR})
 
+# The pkg-config file finds the prefix from its own place, so an installed
+# tree can be moved (as CI does with its staging install).
+file(RELATIVE_PATH IDXBASE_PC_TO_PREFIX
+  /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(cmake/idxbase.pc.in ${PROJECT_BINARY_DIR}/idxbase.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/idxbase.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

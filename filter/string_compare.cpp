@@ -45,12 +45,27 @@ int FindExact(const char* s, int from, int lengthS, const char* segment, int len
   return -1;
 }
 
+// The same with both sides folded. A first byte without case (a digit, a
+// punctuation mark, ...) is searched with memchr like an exact segment.
 int FindFolded(const char* s, int from, int lengthS, const char* segment, int length) {
   const unsigned char first = Fold(Byte(segment, 0));
-  for (int start = from; start <= lengthS - length; ++start) {
-    if (Fold(Byte(s, start)) == first && FoldedEqual(s + start + 1, segment + 1, length - 1)) {
-      return start;
+  const bool firstHasCase = first >= 'a' && first <= 'z';
+  const char* const end = s + lengthS;
+  const char* cursor = s + from;
+  while (end - cursor >= length) {
+    if (firstHasCase) {
+      if (Fold(static_cast<unsigned char>(*cursor)) != first) {
+        ++cursor;
+        continue;
+      }
+    } else {
+      const void* hit =
+          std::memchr(cursor, segment[0], static_cast<size_t>(end - cursor - length + 1));
+      if (hit == nullptr) return -1;
+      cursor = static_cast<const char*>(hit);
     }
+    if (FoldedEqual(cursor + 1, segment + 1, length - 1)) return static_cast<int>(cursor - s);
+    ++cursor;
   }
   return -1;
 }

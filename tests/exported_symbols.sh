@@ -23,7 +23,11 @@ for name in 'KORUnicodeString::KORUnicodeString(char const\*)' 'KORSysTSUnicodeS
     'typeinfo for BBDIAttributeRead' 'vtable for BBDOccurrence' 'typeinfo for BBDTypeInfo' \
     'AttributeTypePair::print()' 'BBDOperandMultiTypeClient::GetValInt' \
     'BBDExpression::Compile(BBDExpression*&)' 'BBDBasicExpression::eval' \
-    'BBDComposedExpression::toString' 'vtable for BBDNAExpression'; do
+    'BBDComposedExpression::toString' 'vtable for BBDNAExpression' \
+    'IDX_Base_Buffer::GetDataForWriting' 'IDX_Base_ByteArray::GetHashKey' \
+    'IDX_Base_String::SortCompare' 'vtable for IDX_Base_Identifier' \
+    'KORListValIDX_Base_String::Append' 'IDX_StringHash(' 'ConvertToHexaPreAlloc(' \
+    'IDX_Base_Endian::swap(float&)'; do
   if ! grep -qF -- "${name//\\/}" <<<"$symbols"; then
     echo "missing from the exports: $name"
     fail=1

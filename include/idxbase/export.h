@@ -12,6 +12,10 @@
 #define IDXBASE_API
 #endif
 
+// Marks a private member of an exported class that stays internal (member
+// templates instantiated inside the library).
+#define IDXBASE_LOCAL __attribute__((visibility("hidden")))
+
 // printf-style format checking for variadic functions of the interface.
 #define IDXBASE_PRINTF(format_index, first_arg) \
   __attribute__((format(printf, format_index, first_arg)))

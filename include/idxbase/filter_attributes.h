@@ -209,8 +209,8 @@ class IDXBASE_API BBDOperandMultiTypeClient : public BBDOperandMultiType {
 
  private:
   template <class Read>
-  KORStatus ReadResolved(const BBDOccurrence& occurrence, unsigned int level,
-                         BBDIAttributeRead& reader, Read read);
+  IDXBASE_LOCAL KORStatus ReadResolved(const BBDOccurrence& occurrence, unsigned int level,
+                                       BBDIAttributeRead& reader, Read read);
 
   bool m_HasClientName;
   std::string m_ClientName;

@@ -117,20 +117,24 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
 
   // The value slot of type Value for operand `position` (0, 1 or 2).
   template <class Value>
-  Value& SlotOf(int position);
+  IDXBASE_LOCAL Value& SlotOf(int position);
   // Reads operand `position` into its slot: KOR_S_OK, or KOR_E_FAIL when the
   // operand is missing or gives no value.
   template <class Value>
-  KORStatus Read(int position, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r);
+  IDXBASE_LOCAL KORStatus Read(int position, const BBDOccurrence& o, unsigned int c,
+                               BBDIAttributeRead& r);
   // Reads the first two operands and tests holds(a, b).
   template <class Value, class Holds>
-  KORStatus Compare(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Holds holds);
+  IDXBASE_LOCAL KORStatus Compare(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                                  Holds holds);
   // Reads the three operands and tests holds(a, lo, hi).
   template <class Value, class Holds>
-  KORStatus CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Holds holds);
+  IDXBASE_LOCAL KORStatus CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                                       Holds holds);
   // Reads the subject and the set, and looks for an element same(a, e).
   template <class Value, class Same>
-  KORStatus IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Same same);
+  IDXBASE_LOCAL KORStatus IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                                   Same same);
 
   KORStatus EvalEqualInt(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
   KORStatus EvalEqualString(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);

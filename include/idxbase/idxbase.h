@@ -3,14 +3,18 @@
 #ifndef IDXBASE_IDXBASE_H_
 #define IDXBASE_IDXBASE_H_
 
+#include "idxbase/base_types.h"
+#include "idxbase/byte_runs.h"
 #include "idxbase/export.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 #include "idxbase/filter_operands.h"
 #include "idxbase/filter_vocabulary.h"
+#include "idxbase/hashing.h"
 #include "idxbase/performance.h"
 #include "idxbase/platform.h"
 #include "idxbase/settings.h"
+#include "idxbase/strings.h"
 #include "idxbase/trace.h"
 
 #endif  // IDXBASE_IDXBASE_H_

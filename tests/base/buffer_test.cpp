@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "byte_run_test_support.h"
+#include "idxbase/byte_runs.h"
+
+namespace {
+
+using idxbase_test::Bytes;
+using idxbase_test::Size;
+
+// Reaches the protected write paths.
+class TestBuffer : public IDX_Base_Buffer {
+ public:
+  using IDX_Base_Buffer::Allocate;
+  using IDX_Base_Buffer::MakeUnique;
+};
+
+// Read-only caller bytes: a write through the buffer would fault, and
+// realloc or free of them would be reported by the sanitizer.
+const unsigned char kCallerBytes[] = {'c', 'a', 'l', 'l', 'e', 'r'};
+constexpr unsigned int kCallerSize = sizeof kCallerBytes;
+
+std::string Contents(const IDX_Base_Buffer& buffer) {
+  return idxbase_test::Text(buffer.GetData(), buffer.GetSize());
+}
+
+TestBuffer Owning(const std::string& text) {
+  TestBuffer buffer;
+  buffer.SetData(Bytes(text), Size(text), IDX_True);
+  return buffer;
+}
+
+struct WritePath {
+  const char* name;
+  std::function<void(TestBuffer&)> write;
+  std::string expected;  // contents of the written handle
+};
+
+const WritePath kWritePaths[] = {
+    {"SetData copy", [](TestBuffer& b) { b.SetData(Bytes("xyz"), 3, IDX_True); }, "xyz"},
+    {"Allocate", [](TestBuffer& b) { b.Allocate(2); }, std::string(2, '\0')},
+    {"Resize", [](TestBuffer& b) { b.Resize(8); }, "caller" + std::string(2, '\0')},
+    {"GetDataForWriting", [](TestBuffer& b) { b.GetDataForWriting()[0] = 'C'; }, "Caller"},
+    {"MakeUnique", [](TestBuffer& b) { b.MakeUnique(); }, "caller"},
+};
+
+TEST(Buffer, WritesDetachFromSharedRecords) {
+  for (const WritePath& path : kWritePaths) {
+    SCOPED_TRACE(path.name);
+    const TestBuffer original = Owning("caller");
+    TestBuffer copy;
+    copy = original;
+    const TestBuffer other(copy);
+    ASSERT_EQ(copy.GetData(), original.GetData());
+
+    path.write(copy);
+    EXPECT_EQ(Contents(copy), path.expected);
+    EXPECT_NE(copy.GetData(), original.GetData());
+    EXPECT_EQ(Contents(original), "caller");
+    EXPECT_EQ(other.GetData(), original.GetData());
+  }
+}
+
+TEST(Buffer, WritesNeverTouchReferredCallerBytes) {
+  for (const WritePath& path : kWritePaths) {
+    SCOPED_TRACE(path.name);
+    TestBuffer buffer;
+    buffer.SetData(kCallerBytes, kCallerSize, IDX_False);
+    ASSERT_EQ(buffer.GetData(), kCallerBytes);
+
+    path.write(buffer);
+    EXPECT_EQ(Contents(buffer), path.expected);
+    EXPECT_NE(buffer.GetData(), kCallerBytes);
+  }
+}
+
+TEST(Buffer, WritingAPrivateOwnedBufferKeepsItsStorage) {
+  TestBuffer buffer = Owning("abc");
+  const unsigned char* storage = buffer.GetData();
+  buffer.MakeUnique();
+  EXPECT_EQ(buffer.GetDataForWriting(), storage);
+}
+
+TEST(Buffer, SetDataOfTheHeldBytesChangesNothing) {
+  IDX_Base_Buffer buffer;
+  buffer.SetData(kCallerBytes, kCallerSize, IDX_False);
+  buffer.SetData(kCallerBytes, kCallerSize, IDX_True);
+  EXPECT_EQ(buffer.GetData(), kCallerBytes);
+  // Any value other than IDX_True refers.
+  buffer.SetData(kCallerBytes, 2, static_cast<IDX_Bool>(2));
+  EXPECT_EQ(buffer.GetData(), kCallerBytes);
+  EXPECT_EQ(buffer.GetSize(), 2u);
+}
+
+TEST(Buffer, RewritingKeepsCapacityAndZeroFillsTheTail) {
+  IDX_Base_Buffer buffer = Owning("abcdef");
+  const unsigned char* storage = buffer.GetData();
+  buffer.SetData(Bytes("xyz"), 3, IDX_True);
+  ASSERT_EQ(buffer.GetData(), storage);
+  EXPECT_EQ(Contents(buffer), "xyz");
+  EXPECT_EQ(idxbase_test::Text(storage + 3, 3), std::string(3, '\0'));
+  buffer.SetData(Bytes("123456"), 6, IDX_True);
+  EXPECT_EQ(buffer.GetData(), storage);
+  EXPECT_EQ(Contents(buffer), "123456");
+}
+
+TEST(Buffer, ResizeKeepsLeadingBytes) {
+  IDX_Base_Buffer buffer = Owning("abc");
+  buffer.Resize(5);
+  EXPECT_EQ(Contents(buffer), std::string("abc\0\0", 5));
+  buffer.Resize(2);
+  EXPECT_EQ(Contents(buffer), "ab");
+  buffer.Resize(0);
+  EXPECT_EQ(buffer.GetSize(), 0u);
+  EXPECT_EQ(buffer.GetData(), nullptr);
+
+  IDX_Base_Buffer empty;
+  empty.Resize(4);
+  EXPECT_EQ(Contents(empty), std::string(4, '\0'));
+}
+
+TEST(Buffer, SwitchingToReferredBytesReleasesOwnedStorage) {
+  IDX_Base_Buffer buffer = Owning("abcdef");
+  buffer.SetData(kCallerBytes, 3, IDX_False);  // the leak checker sees a lost "abcdef"
+  EXPECT_EQ(buffer.GetData(), kCallerBytes);
+  EXPECT_EQ(Contents(buffer), "cal");
+}
+
+// Referred bytes inside the buffer's own storage are kept owned, since the
+// storage cannot be released under them.
+TEST(Buffer, SetDataFromItsOwnStorageIsSafe) {
+  for (const IDX_Bool copy : {IDX_True, IDX_False}) {
+    IDX_Base_Buffer buffer = Owning("abcdef");
+    buffer.SetData(buffer.GetData() + 2, 3, copy);
+    EXPECT_EQ(Contents(buffer), "cde");
+    EXPECT_EQ(buffer.GetData()[3], 0);
+  }
+}
+
+TEST(Buffer, FreeImplEmptiesOnlyThisHandle) {
+  IDX_Base_Buffer buffer = Owning("abc");
+  IDX_Base_Buffer copy(buffer);
+  buffer.FreeImpl();
+  EXPECT_EQ(buffer.GetData(), nullptr);
+  EXPECT_EQ(buffer.GetSize(), 0u);
+  EXPECT_EQ(buffer.GetDataForWriting(), nullptr);
+  EXPECT_EQ(Contents(copy), "abc");
+}
+
+}  // namespace

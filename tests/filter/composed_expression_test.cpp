@@ -1,0 +1,435 @@
+// Composed expressions: the three-valued not / or / and, their short
+// circuits and missing sides, compilation of trees over unavailable
+// values, the NA expression, and deep copies.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "filter_test_support.h"
+#include "idxbase/filter_attributes.h"
+#include "idxbase/filter_expressions.h"
+#include "support/stdout_capture.h"
+
+namespace {
+
+constexpr KORStatus H = IDX_FILTER_HOLDS;
+constexpr KORStatus D = IDX_FILTER_DOES_NOT;
+constexpr KORStatus U = IDX_FILTER_UNDECIDABLE;
+constexpr const char* kNullExpression = "Error in BBDComposedExpression::eval : null expression\n";
+constexpr const char* kNullOperand = "Warning : null operand in BBDBasicExpression::Compile()\n";
+
+// The operands of these tests never consult the reader.
+using Occurrence = idxbase_test::FakeOccurrence;
+using NoReader = ::testing::StrictMock<idxbase_test::MockAttributeReader>;
+
+// What happened to a Leaf and its copies.
+struct Tally {
+  int evals = 0;
+  int deaths = 0;
+  bool caseSensitive = false;  // of the last evaluation
+  unsigned int context = 0;
+};
+
+// An expression with a fixed result, renders as its name. Copies report to
+// the same tally; a leaf built not duplicable cannot be copied.
+class Leaf : public BBDExpression {
+ public:
+  Leaf(KORStatus result, Tally& tally, const char* name = "L", bool duplicable = true)
+      : BBDExpression(IDX_Filter_Op_EqualInt),
+        result_(result),
+        tally_(tally),
+        name_(name),
+        duplicable_(duplicable) {}
+  Leaf(const Leaf&) = default;
+  ~Leaf() override { ++tally_.deaths; }
+
+  KORStatus eval(const BBDOccurrence&, unsigned int context, BBDIAttributeRead&,
+                 bool caseSensitive) override {
+    ++tally_.evals;
+    tally_.caseSensitive = caseSensitive;
+    tally_.context = context;
+    return result_;
+  }
+  void toString(KORUnicodeString& text) override { text = name_; }
+  BBDExpression* Duplicate() const override { return duplicable_ ? new Leaf(*this) : nullptr; }
+
+ private:
+  KORStatus result_;
+  Tally& tally_;
+  const char* name_;
+  bool duplicable_;
+};
+
+// A library operand that counts its destruction.
+template <class Base>
+class Counted : public Base {
+ public:
+  template <class... Args>
+  explicit Counted(int& deaths, Args... args) : Base(args...), deaths_(deaths) {}
+  ~Counted() override { ++deaths_; }
+
+ private:
+  int& deaths_;
+};
+
+// A comparison x = 1 whose operands count their destruction; `na` makes the
+// subject unavailable, so that compilation folds it.
+BBDBasicExpression* Comparison(int& deaths, bool na, int value = 1) {
+  BBDOperand* subject = na ? static_cast<BBDOperand*>(new Counted<BBDNAOperand>(deaths))
+                           : new Counted<BBDOperandIntConst>(deaths, value);
+  return new BBDBasicExpression(IDX_Filter_Op_EqualInt, subject,
+                                new Counted<BBDOperandIntConst>(deaths, 1));
+}
+
+std::string Text(BBDExpression* e) {
+  KORUnicodeString text;
+  e->toString(text);
+  return text.ConvertToChar();
+}
+
+class ComposedExpressionTest : public ::testing::Test {
+ protected:
+  KORStatus Eval(BBDExpression& e, bool caseSensitive = true, unsigned int context = 0) {
+    return e.eval(occurrence_, context, reader_, caseSensitive);
+  }
+
+  Occurrence occurrence_;
+  NoReader reader_;
+};
+
+TEST_F(ComposedExpressionTest, ThreeValuedTablesAndShortCircuits) {
+  struct Row {
+    IDX_Filter_Operator op;
+    KORStatus first;
+    KORStatus second;
+    KORStatus expected;
+    int secondEvals;
+  };
+  const Row rows[] = {
+      {IDX_Filter_Op_Or, H, H, H, 0},  {IDX_Filter_Op_Or, H, D, H, 0},
+      {IDX_Filter_Op_Or, H, U, H, 0},  {IDX_Filter_Op_Or, D, H, H, 1},
+      {IDX_Filter_Op_Or, D, D, D, 1},  {IDX_Filter_Op_Or, D, U, D, 1},
+      {IDX_Filter_Op_Or, U, H, H, 1},  {IDX_Filter_Op_Or, U, D, D, 1},
+      {IDX_Filter_Op_Or, U, U, U, 1},  {IDX_Filter_Op_And, H, H, H, 1},
+      {IDX_Filter_Op_And, H, D, D, 1}, {IDX_Filter_Op_And, H, U, U, 1},
+      {IDX_Filter_Op_And, D, H, D, 1}, {IDX_Filter_Op_And, D, D, D, 1},
+      {IDX_Filter_Op_And, D, U, U, 1}, {IDX_Filter_Op_And, U, H, U, 0},
+      {IDX_Filter_Op_And, U, D, U, 0}, {IDX_Filter_Op_And, U, U, U, 0},
+      {IDX_Filter_Op_Not, H, H, D, 0}, {IDX_Filter_Op_Not, D, H, H, 0},
+      {IDX_Filter_Op_Not, U, H, U, 0},
+  };
+  for (const Row& row : rows) {
+    Tally first, second;
+    BBDComposedExpression e(row.op, new Leaf(row.first, first), new Leaf(row.second, second));
+    idxbase_test::StdoutCapture capture;
+    const KORStatus result = Eval(e);
+    EXPECT_EQ("", capture.Finish());
+    EXPECT_EQ(row.expected, result) << row.op << " " << row.first << " " << row.second;
+    EXPECT_EQ(1, first.evals) << row.op << " " << row.first << " " << row.second;
+    EXPECT_EQ(row.secondEvals, second.evals) << row.op << " " << row.first << " " << row.second;
+  }
+}
+
+TEST_F(ComposedExpressionTest, MissingSidesPrintAndAreUndecidable) {
+  for (IDX_Filter_Operator op : {IDX_Filter_Op_Not, IDX_Filter_Op_Or, IDX_Filter_Op_And}) {
+    Tally t;
+    BBDComposedExpression noFirst(op, nullptr, new Leaf(H, t));
+    idxbase_test::StdoutCapture capture;
+    EXPECT_EQ(U, Eval(noFirst)) << op;
+    EXPECT_EQ(kNullExpression, capture.Finish()) << op;
+    EXPECT_EQ(0, t.evals);
+  }
+  for (IDX_Filter_Operator op : {IDX_Filter_Op_Or, IDX_Filter_Op_And}) {
+    for (KORStatus first : {H, D}) {
+      Tally t;
+      BBDComposedExpression noSecond(op, new Leaf(first, t), nullptr);
+      idxbase_test::StdoutCapture capture;
+      EXPECT_EQ(U, Eval(noSecond)) << op << " " << first;
+      EXPECT_EQ(kNullExpression, capture.Finish()) << op << " " << first;
+    }
+  }
+  Tally t;
+  BBDComposedExpression notNode(IDX_Filter_Op_Not, new Leaf(D, t), nullptr);
+  idxbase_test::StdoutCapture capture;
+  EXPECT_EQ(H, Eval(notNode));  // a not has no second side
+  EXPECT_EQ("", capture.Finish());
+}
+
+TEST_F(ComposedExpressionTest, OtherOperatorsAreUndecidableWithoutMessage) {
+  for (int op : {3, 23, 41, 42, -1}) {
+    Tally t;
+    BBDComposedExpression e(static_cast<IDX_Filter_Operator>(op), new Leaf(H, t), new Leaf(H, t));
+    idxbase_test::StdoutCapture capture;
+    EXPECT_EQ(U, Eval(e)) << op;
+    EXPECT_EQ("", capture.Finish()) << op;
+  }
+}
+
+TEST_F(ComposedExpressionTest, PassesContextAndCaseSettingDown) {
+  for (bool caseSensitive : {false, true}) {
+    Tally a, b, c;
+    BBDComposedExpression e(
+        IDX_Filter_Op_And, new Leaf(H, a),
+        new BBDComposedExpression(
+            IDX_Filter_Op_Not,
+            new BBDComposedExpression(IDX_Filter_Op_Or, new Leaf(D, b), new Leaf(H, c)), nullptr));
+    EXPECT_EQ(D, Eval(e, caseSensitive, 42));
+    for (const Tally* t : {&a, &b, &c}) {
+      EXPECT_EQ(1, t->evals);
+      EXPECT_EQ(caseSensitive, t->caseSensitive);
+      EXPECT_EQ(42u, t->context);
+    }
+  }
+}
+
+TEST_F(ComposedExpressionTest, NAExpressionIsAConstantUndecidable) {
+  BBDNAExpression na;
+  EXPECT_EQ(IDX_Filter_Op_Not, na.GetOperator());
+  EXPECT_TRUE(na.IsActive());
+  EXPECT_TRUE(na.IsConstant());
+  EXPECT_FALSE(na.IsSpecial());
+  EXPECT_EQ(U, na.GetConstantResult());
+  EXPECT_EQ(U, Eval(na));
+  EXPECT_EQ("NAExpression", Text(&na));
+  BBDExpression* copy = na.Duplicate();
+  ASSERT_NE(nullptr, copy);
+  EXPECT_TRUE(copy->IsConstant());
+  EXPECT_EQ(U, Eval(*copy));
+  delete copy;
+}
+
+TEST(CompileExpression, ComparisonOverAnUnavailableOperandBecomesNA) {
+  for (int position = 0; position < 3; ++position) {
+    int deaths = 0;
+    BBDOperand* operands[3];
+    for (int i = 0; i < 3; ++i) {
+      operands[i] = i == position ? static_cast<BBDOperand*>(new Counted<BBDNAOperand>(deaths))
+                                  : new Counted<BBDOperandIntConst>(deaths, i);
+    }
+    BBDExpression* root =
+        new BBDBasicExpression(IDX_Filter_Op_BetweenInt, operands[0], operands[1], operands[2]);
+    idxbase_test::StdoutCapture capture;
+    BBDExpression::Compile(root);
+    EXPECT_EQ("", capture.Finish());
+    EXPECT_EQ(3, deaths) << position;
+    EXPECT_TRUE(root->IsConstant()) << position;
+    EXPECT_EQ("NAExpression", Text(root));
+    delete root;
+  }
+}
+
+TEST(CompileExpression, ComparisonsThatStay) {
+  struct Case {
+    bool first, second, secondNA;
+    const char* output;
+  };
+  const Case cases[] = {
+      {true, true, false, ""},
+      {false, true, false, kNullOperand},
+      {true, false, false, kNullOperand},
+      {false, true, true, kNullOperand},  // a missing subject is not folded
+  };
+  for (const Case& c : cases) {
+    int deaths = 0;
+    BBDOperand* second = !c.second    ? nullptr
+                         : c.secondNA ? static_cast<BBDOperand*>(new Counted<BBDNAOperand>(deaths))
+                                      : new Counted<BBDOperandIntConst>(deaths, 1);
+    BBDOperand* first = c.first ? new Counted<BBDOperandIntConst>(deaths, 1) : nullptr;
+    BBDExpression* original = new BBDBasicExpression(IDX_Filter_Op_EqualInt, first, second);
+    BBDExpression* root = original;
+    idxbase_test::StdoutCapture capture;
+    BBDExpression::Compile(root);
+    EXPECT_EQ(c.output, capture.Finish());
+    EXPECT_EQ(original, root);
+    EXPECT_EQ(0, deaths);
+    delete root;
+  }
+}
+
+TEST(CompileExpression, NullRootStaysNull) {
+  BBDExpression* root = nullptr;
+  BBDExpression::Compile(root);
+  EXPECT_EQ(nullptr, root);
+}
+
+TEST(CompileExpression, AndWithAnUnavailableSideBecomesNA) {
+  for (int naSide : {0, 1, 2}) {  // first, second, both
+    int deaths = 0;
+    BBDExpression* root = new BBDComposedExpression(
+        IDX_Filter_Op_And, Comparison(deaths, naSide != 1), Comparison(deaths, naSide != 0));
+    BBDExpression::Compile(root);
+    EXPECT_EQ("NAExpression", Text(root)) << naSide;
+    EXPECT_EQ(4, deaths) << naSide;
+    delete root;
+  }
+  int deaths = 0;
+  BBDExpression* root = new BBDComposedExpression(IDX_Filter_Op_And, Comparison(deaths, false),
+                                                  Comparison(deaths, false));
+  BBDExpression* original = root;
+  BBDExpression::Compile(root);
+  EXPECT_EQ(original, root);
+  EXPECT_EQ(0, deaths);
+  delete root;
+}
+
+TEST(CompileExpression, OrWithAnUnavailableSideBecomesTheOtherSide) {
+  Occurrence occurrence;
+  NoReader reader;
+  // first NA: the second side; second NA: the first; both: the second.
+  for (int naSide : {0, 1, 2}) {
+    int firstDeaths = 0;
+    int secondDeaths = 0;
+    BBDExpression* first = Comparison(firstDeaths, naSide != 1, 1);
+    BBDExpression* second = Comparison(secondDeaths, naSide != 0, 2);
+    BBDExpression* root = new BBDComposedExpression(IDX_Filter_Op_Or, first, second);
+    BBDExpression::Compile(root);
+    if (naSide == 0) {
+      EXPECT_EQ(second, root);
+      EXPECT_EQ(2, firstDeaths);
+      EXPECT_EQ(0, secondDeaths);
+      EXPECT_EQ(D, root->eval(occurrence, 0, reader, true));  // 2 = 1
+    } else if (naSide == 1) {
+      EXPECT_EQ(first, root);
+      EXPECT_EQ(0, firstDeaths);
+      EXPECT_EQ(2, secondDeaths);
+      EXPECT_EQ(H, root->eval(occurrence, 0, reader, true));  // 1 = 1
+    } else {
+      EXPECT_EQ("NAExpression", Text(root));
+      EXPECT_EQ(2, firstDeaths);
+      EXPECT_EQ(2, secondDeaths);
+    }
+    delete root;
+  }
+}
+
+TEST(CompileExpression, NodesThatStayAroundNA) {
+  Occurrence occurrence;
+  NoReader reader;
+  int deaths = 0;
+  // A not keeps its unavailable operand, now an NA expression.
+  BBDExpression* notNode =
+      new BBDComposedExpression(IDX_Filter_Op_Not, Comparison(deaths, true), nullptr);
+  BBDExpression* original = notNode;
+  BBDExpression::Compile(notNode);
+  EXPECT_EQ(original, notNode);
+  EXPECT_EQ(2, deaths);
+  EXPECT_EQ("( ! NAExpression )", Text(notNode));
+  EXPECT_EQ(U, notNode->eval(occurrence, 0, reader, true));
+  delete notNode;
+
+  // An or whose other side is missing keeps itself.
+  BBDExpression* orNode =
+      new BBDComposedExpression(IDX_Filter_Op_Or, Comparison(deaths, true), nullptr);
+  original = orNode;
+  BBDExpression::Compile(orNode);
+  EXPECT_EQ(original, orNode);
+  EXPECT_EQ("( NAExpression | NULL )", Text(orNode));
+  delete orNode;
+
+  // Other operators do not fold.
+  BBDExpression* other = new BBDComposedExpression(
+      static_cast<IDX_Filter_Operator>(5), Comparison(deaths, true), Comparison(deaths, true));
+  original = other;
+  BBDExpression::Compile(other);
+  EXPECT_EQ(original, other);
+  EXPECT_EQ("( NAExpression = NAExpression )", Text(other));
+  delete other;
+}
+
+TEST(CompileExpression, TreesFoldBottomUpInOnePass) {
+  int deaths = 0;
+  int keptDeaths = 0;
+  // ( ( NA & a ) | ( kept | NA ) ) folds to kept.
+  BBDExpression* kept = Comparison(keptDeaths, false);
+  BBDExpression* root = new BBDComposedExpression(
+      IDX_Filter_Op_Or,
+      new BBDComposedExpression(IDX_Filter_Op_And, Comparison(deaths, true),
+                                Comparison(deaths, false)),
+      new BBDComposedExpression(IDX_Filter_Op_Or, kept, Comparison(deaths, true)));
+  BBDExpression::Compile(root);
+  EXPECT_EQ(kept, root);
+  EXPECT_EQ(6, deaths);
+  EXPECT_EQ(0, keptDeaths);
+  delete root;
+
+  // ( ( NA | NA ) & x ) goes to NA in one call, and compiling again changes nothing.
+  root = new BBDComposedExpression(
+      IDX_Filter_Op_And,
+      new BBDComposedExpression(IDX_Filter_Op_Or, Comparison(deaths, true),
+                                Comparison(deaths, true)),
+      Comparison(deaths, false));
+  BBDExpression::Compile(root);
+  EXPECT_EQ("NAExpression", Text(root));
+  BBDExpression* compiled = root;
+  BBDExpression::Compile(root);
+  EXPECT_EQ(compiled, root);
+  delete root;
+  EXPECT_EQ(12, deaths);
+}
+
+TEST_F(ComposedExpressionTest, CopiesAreDeep) {
+  for (bool originalFirst : {true, false}) {
+    Tally a, b;
+    auto* original = new BBDComposedExpression(IDX_Filter_Op_Or, new Leaf(D, a), new Leaf(H, b));
+    BBDExpression* copy = original->Duplicate();
+    ASSERT_NE(nullptr, copy);
+    BBDExpression* goesFirst = originalFirst ? static_cast<BBDExpression*>(original) : copy;
+    BBDExpression* stays = originalFirst ? copy : static_cast<BBDExpression*>(original);
+    delete goesFirst;
+    EXPECT_EQ(1, a.deaths);
+    EXPECT_EQ(1, b.deaths);
+    EXPECT_EQ(H, Eval(*stays));
+    EXPECT_EQ(1, b.evals);
+    delete stays;
+    EXPECT_EQ(2, a.deaths);
+    EXPECT_EQ(2, b.deaths);
+  }
+}
+
+TEST_F(ComposedExpressionTest, CompilingACopyLeavesTheOriginalWhole) {
+  int deaths = 0;
+  auto* original = new BBDComposedExpression(IDX_Filter_Op_Or, Comparison(deaths, true),
+                                             Comparison(deaths, false, 1));
+  BBDExpression* copy = original->Duplicate();
+  BBDExpression::Compile(copy);
+  EXPECT_EQ("( 1 = 1 )", Text(copy));
+  EXPECT_EQ(0, deaths);  // the copy's operands are the original's
+  EXPECT_EQ("( ( NAOperand = 1 ) | ( 1 = 1 ) )", Text(original));
+  EXPECT_EQ(H, Eval(*original));
+  delete original;
+  EXPECT_EQ(2, deaths);  // the NA side went with the original
+  EXPECT_EQ(H, Eval(*copy));
+  delete copy;
+  EXPECT_EQ(4, deaths);
+}
+
+TEST_F(ComposedExpressionTest, CopyHoldsNAWhereASideCannotBeDuplicated) {
+  Tally a, b;
+  BBDComposedExpression original(IDX_Filter_Op_And, new Leaf(H, a, "A", false),
+                                 new Leaf(H, b, "B"));
+  BBDExpression* copy = original.Duplicate();
+  EXPECT_EQ("( NAExpression & B )", Text(copy));
+  EXPECT_EQ(U, Eval(*copy));
+  delete copy;
+  EXPECT_EQ(0, a.deaths);
+  EXPECT_EQ(1, b.deaths);
+}
+
+TEST_F(ComposedExpressionTest, AssignmentReplacesTheTreeByACopy) {
+  Tally oldSide, a, b;
+  BBDComposedExpression target(IDX_Filter_Op_Not, new Leaf(H, oldSide, "O"), nullptr);
+  {
+    BBDComposedExpression source(IDX_Filter_Op_And, new Leaf(H, a, "A"), new Leaf(D, b, "B"));
+    target = source;
+    EXPECT_EQ(1, oldSide.deaths);
+  }
+  EXPECT_EQ(1, a.deaths);  // the source's own
+  EXPECT_EQ("( A & B )", Text(&target));
+  EXPECT_EQ(D, Eval(target));
+  const BBDComposedExpression& self = target;
+  target = self;
+  EXPECT_EQ("( A & B )", Text(&target));
+  EXPECT_EQ(D, Eval(target));
+}
+
+}  // namespace

@@ -1,0 +1,256 @@
+#include "filter/string_compare.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using idxbase::detail::CompareLikeStrings;
+using idxbase::detail::CompareStrings;
+
+// The bytes of `text` in a heap block of exactly its size (null when
+// empty), so that a read past the end trips the address sanitizer.
+class Exact {
+ public:
+  explicit Exact(const std::string& text) : bytes_(text.empty() ? nullptr : new char[text.size()]) {
+    if (!text.empty()) std::memcpy(bytes_.get(), text.data(), text.size());
+  }
+  const char* get() const { return bytes_.get(); }
+
+ private:
+  std::unique_ptr<char[]> bytes_;
+};
+
+int Compare(bool caseSensitive, const std::string& a, const std::string& b) {
+  Exact ea(a), eb(b);
+  return CompareStrings(caseSensitive, static_cast<int>(a.size()), ea.get(),
+                        static_cast<int>(b.size()), eb.get());
+}
+
+int Like(bool caseSensitive, const std::string& s, const std::string& p) {
+  Exact es(s), ep(p);
+  return CompareLikeStrings(caseSensitive, static_cast<int>(s.size()), es.get(),
+                            static_cast<int>(p.size()), ep.get());
+}
+
+TEST(CompareStrings, OrdersBytesAsSignedFoldingOnlyAsciiLetters) {
+  struct Case {
+    bool caseSensitive;
+    const char* a;
+    const char* b;
+    int expected;
+  };
+  const Case cases[] = {
+      {true, "abc", "abd", -1},  {true, "abc", "abc", 0},     {true, "ab", "abc", -1},
+      {true, "", "", 0},         {true, "", "a", -1},         {false, "abc", "ABC", 0},
+      {false, "aBc", "AbD", -1}, {true, "ABC", "abc", -1},    {true, "\xC8", "A", -1},
+      {true, "\x7F", "\x80", 1}, {false, "\xC9", "\xE9", -1},  // no folding beyond A-Z
+      {false, "[", "a", -1},                                   // folds onto lower case: '[' < 'a'
+      {false, "`", "A", -1},     {false, "Z", "z", 0},        {false, "@", "`", -1},
+      {true, "b", "abc", 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(testing::Message() << testing::PrintToString(std::string(c.a)) << " vs "
+                                    << testing::PrintToString(std::string(c.b))
+                                    << (c.caseSensitive ? " sensitive" : " insensitive"));
+    EXPECT_EQ(c.expected, Compare(c.caseSensitive, c.a, c.b));
+    EXPECT_EQ(-c.expected, Compare(c.caseSensitive, c.b, c.a));
+  }
+}
+
+TEST(CompareStrings, NonPositiveLengthsReadNothing) {
+  for (bool caseSensitive : {true, false}) {
+    EXPECT_EQ(-1, CompareStrings(caseSensitive, 0, nullptr, 3, "abc"));
+    EXPECT_EQ(1, CompareStrings(caseSensitive, 3, "abc", 0, nullptr));
+    EXPECT_EQ(0, CompareStrings(caseSensitive, 0, nullptr, 0, nullptr));
+    EXPECT_EQ(-1, CompareStrings(caseSensitive, -1, nullptr, 0, nullptr));
+    EXPECT_EQ(1, CompareStrings(caseSensitive, 0, nullptr, -1, nullptr));
+    EXPECT_EQ(-1, CompareStrings(caseSensitive, -4, nullptr, 2, "ab"));
+  }
+}
+
+TEST(CompareLikeStrings, Examples) {
+  struct Case {
+    const char* pattern;
+    std::vector<const char*> matching;
+    std::vector<const char*> others;
+  };
+  const Case cases[] = {
+      {"b", {"b", "ab", "abc"}, {"ac", ""}},
+      {"a*c", {"abc", "axxc", "xaxcx"}, {"ca", "ab"}},
+      {"ab*c", {"abzc"}, {"ab", "abx"}},
+      {"", {"abc", ""}, {}},
+      {"*", {"", "xyz"}, {}},
+      {"***", {""}, {}},
+      {"*a*", {"xa"}, {""}},
+      {"a*", {"xa"}, {}},
+      {"*a", {"ab"}, {}},
+      {"aa*a", {"aaa"}, {"aa"}},  // segments never overlap
+      {"ab*ab", {"abab"}, {"aba"}},
+      {"a*ab", {"aab"}, {}},
+      {"abc", {}, {"ab"}},
+      {"x*y*z", {"xxyyzz", "_x_y_z_"}, {"zyx"}},
+      {"\xC8", {"a\xC8"}, {""}},
+  };
+  for (const Case& c : cases) {
+    for (int expected : {0, 1}) {
+      for (const char* subject : expected == 0 ? c.matching : c.others) {
+        SCOPED_TRACE(testing::Message() << "pattern " << testing::PrintToString(c.pattern)
+                                        << " subject " << testing::PrintToString(subject));
+        EXPECT_EQ(expected, Like(true, subject, c.pattern));
+        EXPECT_EQ(expected, Like(false, subject, c.pattern));
+      }
+    }
+  }
+}
+
+TEST(CompareLikeStrings, CaseFoldingAndLengthEdges) {
+  EXPECT_EQ(0, Like(false, "xabyc", "AB*C"));
+  EXPECT_EQ(1, Like(true, "xabyc", "AB*C"));
+  EXPECT_EQ(0, Like(true, "xABYC", "AB*C"));
+  EXPECT_EQ(1, Like(false, "\xE8", "\xC8"));
+  EXPECT_EQ(1, Like(false, "{", "["));
+  for (bool caseSensitive : {true, false}) {
+    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, -1, nullptr, 3, "abc"));
+    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, -7, nullptr, 0, nullptr));
+    EXPECT_EQ(1, CompareLikeStrings(caseSensitive, 0, nullptr, -1, nullptr));
+    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, 0, nullptr, 0, nullptr));
+    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, 3, "abc", -2, nullptr));
+    // Only the given lengths count, not what follows them.
+    EXPECT_EQ(1, CompareLikeStrings(caseSensitive, 2, "abc", 1, "c"));
+    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, 3, "abc", 1, "cx"));
+  }
+}
+
+// The matcher written out byte by byte: each segment of the pattern is
+// searched from the end of the previous match, restarting one byte further
+// on each mismatch.
+int ReferenceLike(bool caseSensitive, int lengthS, const char* s, int lengthP, const char* p) {
+  auto fold = [caseSensitive](char c) {
+    return (!caseSensitive && c >= 'A' && c <= 'Z') ? static_cast<char>(c + 32) : c;
+  };
+  auto onlyStars = [&](int from) {
+    for (int k = from; k < lengthP; ++k) {
+      if (p[k] != '*') return false;
+    }
+    return true;
+  };
+  if (lengthS == 0) {
+    if (lengthP == 0) return 0;
+    if (lengthP < 0) return 1;
+    return onlyStars(0) ? 0 : 1;
+  }
+  if (lengthS < 0) return 0;
+  int i = 0;
+  int j = 0;
+  for (;;) {
+    if (j >= lengthP) return 0;
+    while (j < lengthP && p[j] == '*') ++j;
+    if (j >= lengthP) return 0;
+    const int segment = j;
+    for (int start = i;; ++start) {
+      if (start == lengthS) return 1;
+      int a = start;
+      int b = segment;
+      bool complete = false;
+      for (;;) {
+        if (p[b] == '*') {
+          complete = true;
+          break;
+        }
+        if (a >= lengthS || fold(s[a]) != fold(p[b])) break;
+        ++a;
+        ++b;
+        if (b >= lengthP) {
+          complete = true;
+          break;
+        }
+      }
+      if (complete) {
+        i = a;
+        j = b;
+        break;
+      }
+    }
+    if (i == lengthS) return onlyStars(j) ? 0 : 1;
+  }
+}
+
+int ReferenceCompare(bool caseSensitive, int lengthA, const char* a, int lengthB, const char* b) {
+  for (int k = 0; k < lengthA && k < lengthB; ++k) {
+    signed char x = static_cast<signed char>(a[k]);
+    signed char y = static_cast<signed char>(b[k]);
+    if (!caseSensitive && x >= 'A' && x <= 'Z') x = static_cast<signed char>(x + 32);
+    if (!caseSensitive && y >= 'A' && y <= 'Z') y = static_cast<signed char>(y + 32);
+    if (x != y) return x < y ? -1 : 1;
+  }
+  return lengthA < lengthB ? -1 : (lengthA > lengthB ? 1 : 0);
+}
+
+class RandomText {
+ public:
+  explicit RandomText(unsigned seed) : engine_(seed) {}
+
+  std::string Make(int maxLength, const char* alphabet) {
+    const int length = Uniform(0, maxLength);
+    const int size = static_cast<int>(std::strlen(alphabet));
+    std::string text;
+    for (int k = 0; k < length; ++k) text += alphabet[Uniform(0, size - 1)];
+    return text;
+  }
+  // The length to announce: usually the real one, sometimes 0 or negative.
+  int LengthFor(const std::string& text) {
+    const int draw = Uniform(0, 19);
+    if (draw == 0) return 0;
+    if (draw == 1) return -Uniform(1, 3);
+    return static_cast<int>(text.size());
+  }
+  int Uniform(int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine_); }
+
+ private:
+  std::mt19937 engine_;
+};
+
+TEST(CompareLikeStrings, AgreesWithTheByteByByteMatcher) {
+  RandomText random(20240611u);
+  int matches = 0;
+  constexpr int kRounds = 200000;
+  for (int round = 0; round < kRounds; ++round) {
+    const std::string subject = random.Make(40, "abAB*x\xC8");
+    // Half the patterns are cut from the subject, so that matches are common.
+    std::string pattern = random.Make(10, "abAB**x\xC8");
+    if (round % 2 == 0 && !subject.empty()) {
+      const int from = random.Uniform(0, static_cast<int>(subject.size()) - 1);
+      pattern =
+          subject.substr(static_cast<size_t>(from), static_cast<size_t>(random.Uniform(1, 6)));
+      pattern.insert(static_cast<size_t>(random.Uniform(0, static_cast<int>(pattern.size()))), "*");
+    }
+    const int lengthS = random.LengthFor(subject);
+    const int lengthP = random.LengthFor(pattern);
+    Exact s(subject.substr(0, static_cast<size_t>(std::max(lengthS, 0))));
+    Exact p(pattern.substr(0, static_cast<size_t>(std::max(lengthP, 0))));
+    for (bool caseSensitive : {true, false}) {
+      const int expected = ReferenceLike(caseSensitive, lengthS, s.get(), lengthP, p.get());
+      const int actual = CompareLikeStrings(caseSensitive, lengthS, s.get(), lengthP, p.get());
+      matches += expected == 0 ? 1 : 0;
+      ASSERT_EQ(expected, actual) << "subject " << testing::PrintToString(subject) << " length "
+                                  << lengthS << ", pattern " << testing::PrintToString(pattern)
+                                  << " length " << lengthP
+                                  << (caseSensitive ? ", case-sensitive" : ", case-insensitive");
+      ASSERT_EQ(ReferenceCompare(caseSensitive, lengthS, s.get(), lengthP, p.get()),
+                CompareStrings(caseSensitive, lengthS, s.get(), lengthP, p.get()))
+          << testing::PrintToString(subject) << " vs " << testing::PrintToString(pattern);
+    }
+  }
+  // Both outcomes must be well represented for the comparison to mean much.
+  EXPECT_GT(matches, kRounds / 5);
+  EXPECT_LT(matches, 2 * kRounds - kRounds / 5);
+}
+
+}  // namespace

@@ -94,11 +94,19 @@ KORStatus Basic::CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttrib
 template <class Value, class Same>
 KORStatus Basic::IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Same same) {
   if (Read<Value>(0, o, c, r) != KOR_S_OK) return IDX_FILTER_UNDECIDABLE;
-  KORListPtrBBDOperand elements;
-  if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, elements) != KOR_S_OK) {
+  if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, m_SetElements) != KOR_S_OK) {
+    m_SetElements.RemoveAll(KORCollec::KeepMemory);
     return IDX_FILTER_UNDECIDABLE;
   }
-  const KORListPtrBBDOperand& list = elements;
+  const KORStatus result = FindMember<Value>(o, c, r, same);
+  m_SetElements.RemoveAll(KORCollec::KeepMemory);
+  return result;
+}
+
+template <class Value, class Same>
+KORStatus Basic::FindMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                            Same same) {
+  const KORListPtrBBDOperand& list = m_SetElements;
   for (int position = 1; position <= list.Size(); ++position) {
     BBDOperand* element = list[position];
     Value value{};

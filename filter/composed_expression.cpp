@@ -71,7 +71,7 @@ void BBDComposedExpression::Release() {
 KORStatus BBDComposedExpression::eval(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
                                       bool caseSensitive) {
   if (m_First == nullptr) return NullExpression();
-  switch (GetOperator()) {
+  switch (Operator()) {
     case IDX_Filter_Op_Not:
       return EvalNot(o, c, r, caseSensitive);
     case IDX_Filter_Op_Or:

@@ -27,20 +27,31 @@ bool FoldedEqual(const char* s, const char* p, int length) {
   return true;
 }
 
+// Below this many candidate positions a plain loop beats a call of memchr.
+constexpr int kShortScan = 32;
+
+// The first position at or after `cursor` and before `last` that holds
+// byte `c`, or null.
+const char* FindByte(const char* cursor, const char* last, char c) {
+  if (last - cursor < kShortScan) {
+    for (; cursor < last; ++cursor) {
+      if (*cursor == c) return cursor;
+    }
+    return nullptr;
+  }
+  return static_cast<const char*>(std::memchr(cursor, c, static_cast<size_t>(last - cursor)));
+}
+
 // First position at or after `from` where the `length` bytes of `segment`
 // occur in s[0, lengthS), or -1.
 int FindExact(const char* s, int from, int lengthS, const char* segment, int length) {
-  const char* const end = s + lengthS;
-  const char* cursor = s + from;
-  while (end - cursor >= length) {
-    const void* hit =
-        std::memchr(cursor, segment[0], static_cast<size_t>(end - cursor - length + 1));
-    if (hit == nullptr) return -1;
-    cursor = static_cast<const char*>(hit);
+  const char* const last = s + lengthS - length + 1;  // one past the last candidate
+  for (const char* cursor = s + from; cursor < last; ++cursor) {
+    cursor = FindByte(cursor, last, segment[0]);
+    if (cursor == nullptr) return -1;
     if (std::memcmp(cursor + 1, segment + 1, static_cast<size_t>(length - 1)) == 0) {
       return static_cast<int>(cursor - s);
     }
-    ++cursor;
   }
   return -1;
 }
@@ -50,22 +61,15 @@ int FindExact(const char* s, int from, int lengthS, const char* segment, int len
 int FindFolded(const char* s, int from, int lengthS, const char* segment, int length) {
   const unsigned char first = Fold(Byte(segment, 0));
   const bool firstHasCase = first >= 'a' && first <= 'z';
-  const char* const end = s + lengthS;
-  const char* cursor = s + from;
-  while (end - cursor >= length) {
+  const char* const last = s + lengthS - length + 1;  // one past the last candidate
+  for (const char* cursor = s + from; cursor < last; ++cursor) {
     if (firstHasCase) {
-      if (Fold(static_cast<unsigned char>(*cursor)) != first) {
-        ++cursor;
-        continue;
-      }
+      if (Fold(static_cast<unsigned char>(*cursor)) != first) continue;
     } else {
-      const void* hit =
-          std::memchr(cursor, segment[0], static_cast<size_t>(end - cursor - length + 1));
-      if (hit == nullptr) return -1;
-      cursor = static_cast<const char*>(hit);
+      cursor = FindByte(cursor, last, segment[0]);
+      if (cursor == nullptr) return -1;
     }
     if (FoldedEqual(cursor + 1, segment + 1, length - 1)) return static_cast<int>(cursor - s);
-    ++cursor;
   }
   return -1;
 }
@@ -98,9 +102,8 @@ int CompareLikeStrings(bool caseSensitive, int lengthS, const char* s, int lengt
     while (j < lengthP && p[j] == kWildcard) ++j;
     if (j >= lengthP) return 0;
     // The segment runs from j to the next wildcard or the pattern's end.
-    const void* star = std::memchr(p + j, kWildcard, static_cast<size_t>(lengthP - j));
-    const int segmentEnd =
-        star != nullptr ? static_cast<int>(static_cast<const char*>(star) - p) : lengthP;
+    int segmentEnd = j + 1;
+    while (segmentEnd < lengthP && p[segmentEnd] != kWildcard) ++segmentEnd;
     const int length = segmentEnd - j;
     const int start = caseSensitive ? FindExact(s, i, lengthS, p + j, length)
                                     : FindFolded(s, i, lengthS, p + j, length);

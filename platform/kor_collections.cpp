@@ -30,16 +30,10 @@ KORRawCollPV::KORRawCollPV(int initialCapacity) {
   if (initialCapacity > 0) elements_.reserve(static_cast<std::size_t>(initialCapacity));
 }
 
-bool KORRawCollPV::IsValid(int position) const { return position >= 1 && position <= Size(); }
-
 void*& KORRawCollPV::operator[](int position) {
   if (IsValid(position)) return elements_[static_cast<std::size_t>(position - 1)];
   scratch_ = nullptr;
   return scratch_;
-}
-
-void* KORRawCollPV::operator[](int position) const {
-  return IsValid(position) ? elements_[static_cast<std::size_t>(position - 1)] : nullptr;
 }
 
 int KORRawCollPV::Append(void* element) {

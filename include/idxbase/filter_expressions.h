@@ -62,6 +62,8 @@ class IDXBASE_API BBDExpression {
  protected:
   // The expression to use in place of this one (this one by default).
   virtual BBDExpression* Compile();
+  // The operator, without a virtual call (for evaluation paths).
+  IDX_Filter_Operator Operator() const { return m_Operator; }
 
  private:
   IDX_Filter_Operator m_Operator;
@@ -73,7 +75,8 @@ class IDXBASE_API BBDExpression {
 // (between), a set (in) or a pattern (like). The evaluation function is
 // chosen once, at construction; evaluating costs one indirect call plus
 // the operands' reads and allocates nothing except in the membership
-// tests. An operator without evaluation (0, 1, 2, 22, 32, or outside
+// tests (the first time only: their list storage is reused). An operator
+// without evaluation (0, 1, 2, 22, 32, or outside
 // 0..41) prints "No evaluation function defined.\n" and is undecidable.
 //
 // Owns its operands (any may be null). Evaluation writes into the
@@ -135,6 +138,9 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   template <class Value, class Same>
   IDXBASE_LOCAL KORStatus IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
                                    Same same);
+  template <class Value, class Same>
+  IDXBASE_LOCAL KORStatus FindMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                                     Same same);
 
   KORStatus EvalEqualInt(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
   KORStatus EvalEqualString(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
@@ -181,6 +187,9 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   bool m_BoolValue[3] = {};
   StringSlot m_StringValue[3];
   KORTime m_TimeValue[3];
+  // The set's element pointers during a membership test; kept between
+  // evaluations (emptied) so that its storage is reused.
+  KORListPtrBBDOperand m_SetElements;
   EvalFunction m_EvalFunction;
 };
 

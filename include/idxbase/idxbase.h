@@ -4,17 +4,24 @@
 #define IDXBASE_IDXBASE_H_
 
 #include "idxbase/base_types.h"
+#include "idxbase/bit_array.h"
 #include "idxbase/byte_runs.h"
 #include "idxbase/export.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 #include "idxbase/filter_operands.h"
 #include "idxbase/filter_vocabulary.h"
+#include "idxbase/geometry.h"
+#include "idxbase/geometry_lists.h"
+#include "idxbase/hash_table.h"
 #include "idxbase/hashing.h"
+#include "idxbase/matrix.h"
 #include "idxbase/performance.h"
 #include "idxbase/platform.h"
 #include "idxbase/settings.h"
+#include "idxbase/spatial_index.h"
 #include "idxbase/strings.h"
 #include "idxbase/trace.h"
+#include "idxbase/utf8_string.h"
 
 #endif  // IDXBASE_IDXBASE_H_

@@ -47,7 +47,9 @@ class IDXBASE_API KORRawCollPV : public KORCollecRoot {
 
   int Size() const { return static_cast<int>(elements_.size()); }
   void*& operator[](int position);
-  void* operator[](int position) const;
+  void* operator[](int position) const {
+    return IsValid(position) ? elements_[static_cast<std::size_t>(position - 1)] : nullptr;
+  }
 
   // Appends `element`; returns its position.
   int Append(void* element);
@@ -74,7 +76,7 @@ class IDXBASE_API KORRawCollPV : public KORCollecRoot {
   bool operator!=(const KORRawCollPV& other) const;
 
  private:
-  bool IsValid(int position) const;
+  bool IsValid(int position) const { return position >= 1 && position <= Size(); }
 
   std::vector<void*> elements_;
   void* scratch_ = nullptr;

@@ -187,7 +187,6 @@ TEST_F(ComposedExpressionTest, NAExpressionIsAConstantUndecidable) {
   EXPECT_EQ(IDX_Filter_Op_Not, na.GetOperator());
   EXPECT_TRUE(na.IsActive());
   EXPECT_TRUE(na.IsConstant());
-  EXPECT_FALSE(na.IsSpecial());
   EXPECT_EQ(U, na.GetConstantResult());
   EXPECT_EQ(U, Eval(na));
   EXPECT_EQ("NAExpression", Text(&na));

@@ -82,10 +82,10 @@ class IDXBASE_API PLMIdxIBaseOctree {
   // (0xFFFF) until the derived class sets its own limit. Not read by the
   // base.
   std::uint32_t m_LeafCapacity;
-  IDX_Bool m_IsACuboid;                // the octree covers a cuboid in its own frame
-  IDX_Base_4x4Matrix m_CuboidMatrix;   // placement of the cuboid's frame
-  IDX_Point m_CuboidMin;               // cuboid's minimum corner in its frame
-  IDX_Point m_CuboidMax;               // cuboid's maximum corner
+  IDX_Bool m_IsACuboid;               // the octree covers a cuboid in its own frame
+  IDX_Base_4x4Matrix m_CuboidMatrix;  // placement of the cuboid's frame
+  IDX_Point m_CuboidMin;              // cuboid's minimum corner in its frame
+  IDX_Point m_CuboidMax;              // cuboid's maximum corner
 };
 
 // The base of R-trees. It only initialises the fields that every R-tree

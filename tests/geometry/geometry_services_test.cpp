@@ -1,0 +1,275 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <random>
+
+#include "idxbase/geometry.h"
+
+namespace {
+
+// GetTransfoType.
+
+TEST(GeometryServices, TransfoTypeFlagsLinearPartAndTranslation) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const struct {
+    int position;  // -1: the identity itself
+    float value;
+    unsigned int type;
+  } kCases[] = {
+      {-1, 0, 0},     {13, 5, 1},  {15, 2, 1}, {12, -0.0f, 0}, {14, nan, 1}, {0, 2, 2},
+      {6, 1e-30f, 2}, {9, nan, 2}, {3, 1, 0},  {7, 1, 0},      {11, nan, 0},
+  };
+  for (const auto& c : kCases) {
+    float m[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    if (c.position >= 0) m[c.position] = c.value;
+    EXPECT_EQ(IDX_Base_GeometryServices::GetTransfoType(m), c.type) << "position " << c.position;
+  }
+  float both[16] = {2, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 5, 0, 1};
+  EXPECT_EQ(IDX_Base_GeometryServices::GetTransfoType(both), 3u);
+}
+
+// TriangleToBox.
+
+struct Triangle {
+  float corner[3][3];
+};
+
+bool Overlaps(const float* center, const float* halfSize, const Triangle& t) {
+  IDX_Bool overlap = static_cast<IDX_Bool>(7);
+  EXPECT_EQ(IDX_Base_GeometryServices::TriangleToBox(center, halfSize, t.corner, overlap),
+            IDX_True);
+  EXPECT_TRUE(overlap == IDX_True || overlap == IDX_False);
+  return overlap == IDX_True;
+}
+
+TEST(GeometryServices, TriangleToBoxAgainstTheUnitCube) {
+  const float center[3] = {0, 0, 0}, halfSize[3] = {1, 1, 1};
+  const struct {
+    Triangle triangle;
+    bool overlap;
+  } kCases[] = {
+      {{{{0, 0, 0}, {0.5f, 0, 0}, {0, 0.5f, 0}}}, true},    // inside
+      {{{{5, 0, 0}, {6, 0, 0}, {5, 1, 0}}}, false},         // beyond x = 1
+      {{{{1, 0, 0}, {2, 1, 0}, {2, -1, 0}}}, true},         // a corner on a face
+      {{{{-10, -10, 0}, {10, -10, 0}, {0, 10, 0}}}, true},  // all corners outside
+      {{{{1.5f, 0.9f, 0.9f}, {0.9f, 1.5f, 0.9f}, {0.9f, 0.9f, 1.5f}}}, false},  // plane misses
+      {{{{2.9f, 0, 0}, {0, 2.9f, 0}, {0, 0, 2.9f}}}, true},
+      {{{{3.1f, 0, 0}, {0, 3.1f, 0}, {0, 0, 3.1f}}}, false},
+      {{{{3, 0, 0}, {0, 3, 0}, {0, 0, 3}}}, true},  // plane through (1, 1, 1)
+      {{{{0.2f, 0.2f, 0.2f}, {0.2f, 0.2f, 0.2f}, {0.2f, 0.2f, 0.2f}}}, true},  // a point
+      {{{{2, 0, 0}, {0, 2, 0}, {2, 0, 5}}}, true},         // an edge touches x = y = 1
+      {{{{2, 0.5f, 1}, {0.5f, 2, 1}, {5, 5, 1}}}, false},  // only z × edge separates
+  };
+  for (const auto& c : kCases) {
+    EXPECT_EQ(Overlaps(center, halfSize, c.triangle), c.overlap) << &c - kCases;
+  }
+}
+
+// Differential test against an exact oracle. Every coordinate lies on the
+// grid of step 2^-20 with at most 23 significant bits, so it is an exact
+// float; the oracle works on the grid integers with 128-bit arithmetic and
+// decides overlap exactly. Only float rounding at (near) contact can make
+// the float test disagree.
+__extension__ typedef __int128 Int;
+
+constexpr int kGridBits = 20;
+
+struct IVec {
+  Int x, y, z;
+};
+
+IVec Sub(const IVec& a, const IVec& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+IVec Cross(const IVec& a, const IVec& b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+Int Dot(const IVec& a, const IVec& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+Int Abs(Int v) { return v < 0 ? -v : v; }
+
+struct Case {
+  IVec center, halfSize, corner[3];
+};
+
+struct Verdict {
+  bool overlap;
+  // The exact distance (separated) or penetration depth (overlapping) in
+  // space units, the extreme over the candidate axes.
+  long double distance;
+};
+
+// The generic separating-axis theorem for a box and a triangle: they are
+// disjoint exactly when one of the box's face normals, the triangle's
+// normal or a cross product of a box axis with an edge strictly separates
+// their projections. A zero axis never separates.
+Verdict ExactOverlap(const Case& c) {
+  const IVec u[3] = {Sub(c.corner[0], c.center), Sub(c.corner[1], c.center),
+                     Sub(c.corner[2], c.center)};
+  const IVec edges[3] = {Sub(u[1], u[0]), Sub(u[2], u[1]), Sub(u[0], u[2])};
+  IVec axes[13] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, Cross(edges[0], edges[1])};
+  int count = 4;
+  for (const IVec& e : edges) {
+    for (int k = 0; k < 3; ++k) axes[count++] = Cross(axes[k], e);
+  }
+  bool separated = false;
+  long double gap = -std::numeric_limits<long double>::infinity();
+  for (const IVec& a : axes) {
+    const long double length = std::sqrt(static_cast<long double>(Dot(a, a)));
+    if (length == 0) continue;
+    const Int radius = Abs(a.x) * c.halfSize.x + Abs(a.y) * c.halfSize.y + Abs(a.z) * c.halfSize.z;
+    const Int p[3] = {Dot(a, u[0]), Dot(a, u[1]), Dot(a, u[2])};
+    const Int low = std::min({p[0], p[1], p[2]}), high = std::max({p[0], p[1], p[2]});
+    // Positive: the axis separates by that much; otherwise minus the
+    // overlap of the projections.
+    const Int axisGap = std::max(low - radius, -radius - high);
+    separated = separated || axisGap > 0;
+    gap = std::max(gap, static_cast<long double>(axisGap) / length);
+  }
+  return {!separated, std::fabs(std::ldexp(gap, -kGridBits))};
+}
+
+bool FloatOverlap(const Case& c) {
+  const auto f = [](Int v) { return std::ldexp(static_cast<float>(v), -kGridBits); };
+  const float center[3] = {f(c.center.x), f(c.center.y), f(c.center.z)};
+  const float halfSize[3] = {f(c.halfSize.x), f(c.halfSize.y), f(c.halfSize.z)};
+  Triangle t;
+  for (int i = 0; i < 3; ++i) {
+    t.corner[i][0] = f(c.corner[i].x);
+    t.corner[i][1] = f(c.corner[i].y);
+    t.corner[i][2] = f(c.corner[i].z);
+  }
+  IDX_Bool overlap = IDX_False;
+  IDX_Base_GeometryServices::TriangleToBox(center, halfSize, t.corner, overlap);
+  return overlap == IDX_True;
+}
+
+// Random triangles around a box of roughly unit size, a fifth of each
+// kind: large triangles, small ones, and three constructions that touch
+// the box exactly (a corner on a face, an edge across a box edge, the
+// plane through a box corner), shifted by -2..2 grid steps.
+class TriangleGenerator {
+ public:
+  Case Next(int kind) {
+    Case c;
+    c.center = {Coordinate(0.25), Coordinate(0.25), Coordinate(0.25)};
+    c.halfSize = {Between(0.25, 0.75), Between(0.25, 0.75), Between(0.25, 0.75)};
+    switch (kind) {
+      case 0:
+        for (IVec& v : c.corner) v = Around(c.center, 2.5);
+        break;
+      case 1: {
+        const IVec middle = Around(c.center, 2.0);
+        for (IVec& v : c.corner) v = Around(middle, 0.2);
+        break;
+      }
+      case 2:
+        CornerOnFace(c);
+        break;
+      case 3:
+        EdgeAcrossEdge(c);
+        break;
+      default:
+        PlaneThroughCorner(c);
+        break;
+    }
+    return c;
+  }
+
+ private:
+  static std::int64_t Units(double length) {
+    return static_cast<std::int64_t>(std::ldexp(length, kGridBits));
+  }
+  Int Coordinate(double range) {
+    return std::uniform_int_distribution<std::int64_t>(-Units(range), Units(range))(random_);
+  }
+  Int Between(double low, double high) {
+    return std::uniform_int_distribution<std::int64_t>(Units(low), Units(high))(random_);
+  }
+  IVec Around(const IVec& p, double range) {
+    return {p.x + Coordinate(range), p.y + Coordinate(range), p.z + Coordinate(range)};
+  }
+  Int Sign() { return random_() % 2 == 0 ? 1 : -1; }
+  Int Shift() { return static_cast<Int>(random_() % 5) - 2; }
+  // The box's corner on the side (sx, sy, sz).
+  static IVec BoxCorner(const Case& c, Int sx, Int sy, Int sz) {
+    return {c.center.x + sx * c.halfSize.x, c.center.y + sy * c.halfSize.y,
+            c.center.z + sz * c.halfSize.z};
+  }
+  static IVec Translate(const IVec& p, Int dx, Int dy, Int dz) {
+    return {p.x + dx, p.y + dy, p.z + dz};
+  }
+
+  // A corner on the face x = ±h, the others beyond it.
+  void CornerOnFace(Case& c) {
+    const Int s = Sign();
+    const IVec onFace = {c.center.x + s * c.halfSize.x,
+                         c.center.y + Coordinate(1.0) * c.halfSize.y / Units(1.0),
+                         c.center.z + Coordinate(1.0) * c.halfSize.z / Units(1.0)};
+    c.corner[0] = Translate(onFace, s * Shift(), 0, 0);
+    for (int i = 1; i < 3; ++i) {
+      c.corner[i] = Translate(c.corner[0], s * Between(0.0, 0.5), Coordinate(0.5), Coordinate(0.5));
+    }
+  }
+
+  // An edge through a point of the box edge x = ±hx, y = ±hy, leaving the
+  // box on both sides; the third corner beyond the box edge.
+  void EdgeAcrossEdge(Case& c) {
+    const Int sx = Sign(), sy = Sign();
+    IVec q = BoxCorner(c, sx, sy, 1);
+    q.z -= Between(0.0, 2.0) * c.halfSize.z / Units(1.0);
+    const IVec d = {sx * Between(0.01, 0.5), -sy * Between(0.01, 0.5), Coordinate(0.5)};
+    const Int shift = Shift();
+    c.corner[0] = Translate(q, d.x + sx * shift, d.y + sy * shift, d.z);
+    c.corner[1] = Translate(q, -d.x + sx * shift, -d.y + sy * shift, -d.z);
+    c.corner[2] = Translate(q, sx * Between(0.01, 0.5), sy * Between(0.01, 0.5), Coordinate(0.5));
+  }
+
+  // A triangle around a box corner in a plane that leaves the box on one
+  // side, so that it touches the box at that corner only.
+  void PlaneThroughCorner(Case& c) {
+    const Int sx = Sign(), sy = Sign(), sz = Sign();
+    const IVec corner = BoxCorner(c, sx, sy, sz);
+    const auto small = [this] { return static_cast<Int>(1 + random_() % 50); };
+    const IVec n = {sx * small(), sy * small(), sz * small()};
+    const Int scale = static_cast<Int>(500 + random_() % 20000);
+    const IVec v1 = {scale * n.y, -scale * n.x, 0}, v2 = {scale * n.z, 0, -scale * n.x};
+    const Int shift = Shift();
+    const IVec at = Translate(corner, sx * shift, sy * shift, sz * shift);
+    c.corner[0] = Translate(at, v1.x, v1.y, v1.z);
+    c.corner[1] = Translate(at, v2.x, v2.y, v2.z);
+    c.corner[2] = Translate(at, -v1.x - v2.x, -v1.y - v2.y, -v1.z - v2.z);
+  }
+
+  std::mt19937_64 random_{20240611};
+};
+
+TEST(GeometryServices, TriangleToBoxAgreesWithAnExactOracle) {
+  constexpr int kTriangles = 200000;
+  TriangleGenerator generator;
+  int overlapping = 0, contacts = 0, disagreements = 0, atContact = 0;
+  long double farthest = 0;
+  for (int n = 0; n < kTriangles; ++n) {
+    const Case c = generator.Next(n % 5);
+    const Verdict exact = ExactOverlap(c);
+    overlapping += exact.overlap ? 1 : 0;
+    contacts += exact.distance == 0 ? 1 : 0;
+    if (FloatOverlap(c) == exact.overlap) continue;
+    ++disagreements;
+    atContact += exact.distance == 0 ? 1 : 0;
+    farthest = std::max(farthest, exact.distance);
+    // Only float rounding of the projections can explain a disagreement:
+    // the triangle must lie within a few float steps of contact.
+    EXPECT_LT(exact.distance, 4e-6L) << "case " << n << (exact.overlap ? " overlaps" : " is apart");
+  }
+  std::printf(
+      "[ oracle   ] %d triangles: %d overlapping, %d in exact contact; %d disagreements, "
+      "%d of them at exact contact, farthest %.3Lg\n",
+      kTriangles, overlapping, contacts, disagreements, atContact, farthest);
+  EXPECT_GT(overlapping, kTriangles / 5);
+  EXPECT_LT(overlapping, kTriangles * 4 / 5);
+  EXPECT_GT(contacts, kTriangles / 10);
+}
+
+}  // namespace

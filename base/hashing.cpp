@@ -4,14 +4,9 @@
 
 #include "base/byte_fold.h"
 #include "base/host_byte_order.h"
+#include "base/integer_mix.h"
 
-// Unsigned 32-bit arithmetic throughout: overflow wraps.
-unsigned int IDX_IntegerHash(unsigned int key) {
-  std::uint32_t hash = (key << 15) + ~key;
-  hash = (hash ^ (hash >> 12)) * 5;
-  hash = (hash ^ (hash >> 4)) * 2057;
-  return hash ^ (hash >> 16);
-}
+unsigned int IDX_IntegerHash(unsigned int key) { return idxbase::detail::IntegerMix(key); }
 
 int IDX_IntegerCompare(void* a, void* b) { return a == b ? 1 : 0; }
 

@@ -1,0 +1,66 @@
+#include "idxbase/bit_array.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+constexpr std::int64_t kRows = PLMIdxBitArray::ROW_COUNT;
+
+// Whole bytes for the bits, rounded down to a multiple of 4, plus 4: at
+// least one spare byte, and 4 bytes for 0 bits. Computed in 64 bits so
+// that the largest lengths do not overflow.
+std::int64_t RowBytes(std::int32_t lengthInBits) {
+  const std::int64_t bytes = ((std::int64_t{lengthInBits} - 1) >> 3) + 1;
+  return (bytes & ~std::int64_t{3}) + 4;
+}
+
+bool Accepted(std::int32_t lengthInBits) {
+  return lengthInBits >= 0 &&
+         kRows * RowBytes(lengthInBits) <= std::numeric_limits<std::int32_t>::max();
+}
+
+}  // namespace
+
+PLMIdxBitArray::PLMIdxBitArray(int lengthInBits) {
+  if (!Accepted(lengthInBits)) return;
+  lengthInBits_ = lengthInBits;
+  lengthInBytes_ = static_cast<std::int32_t>(RowBytes(lengthInBits));
+  totalBytes_ = static_cast<std::int32_t>(kRows) * lengthInBytes_;
+  for (unsigned int row = 0; row < ROW_COUNT; ++row) {
+    rowOffsets_[row] = static_cast<std::int32_t>(row) * lengthInBytes_;
+  }
+  storage_ = static_cast<unsigned char*>(std::malloc(static_cast<std::size_t>(totalBytes_)));
+  if (storage_ != nullptr) std::memset(storage_, 0xFF, static_cast<std::size_t>(totalBytes_));
+}
+
+PLMIdxBitArray::~PLMIdxBitArray() {
+  std::free(storage_);
+  storage_ = nullptr;
+  lengthInBits_ = 0;
+  lengthInBytes_ = 0;
+}
+
+KORStatus PLMIdxBitArray::GetBitValue(unsigned int row, unsigned int bit, bool& value) {
+  if (!Holds(row, bit)) return KOR_E_FAIL;
+  const unsigned char byte = storage_[rowOffsets_[row] + GetByteIndex(bit)];
+  value = ((byte >> GetBitIndexInByte(bit)) & 1u) != 0;
+  return KOR_S_OK;
+}
+
+KORStatus PLMIdxBitArray::SetBitValue(unsigned int row, unsigned int bit, bool value) {
+  if (!Holds(row, bit)) return KOR_E_FAIL;
+  unsigned char& byte = storage_[rowOffsets_[row] + GetByteIndex(bit)];
+  const auto mask = static_cast<unsigned char>(1u << GetBitIndexInByte(bit));
+  byte = static_cast<unsigned char>(value ? byte | mask : byte & ~mask);
+  return KOR_S_OK;
+}
+
+void* PLMIdxBitArray::GetBitArray(unsigned int row) {
+  return storage_ == nullptr ? nullptr : storage_ + rowOffsets_[row];
+}
+
+int PLMIdxBitArray::GetLengthInBits() const { return lengthInBits_; }
+
+int PLMIdxBitArray::GetLengthInBytes() const { return lengthInBytes_; }

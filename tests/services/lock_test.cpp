@@ -1,0 +1,299 @@
+#include "idxbase/lock.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/stdout_capture.h"
+#include "support/temp_dir.h"
+
+extern char** environ;
+
+namespace {
+
+using idxbase_test::FileExists;
+using idxbase_test::StdoutCapture;
+using idxbase_test::TempDir;
+using Clock = std::chrono::steady_clock;
+using Names = std::vector<std::string>;
+using namespace std::chrono_literals;
+
+const std::string kQuestion =
+    "Found a lock, waiting to see if it corresponds to a dead process... ";
+
+std::string Repeat(const std::string& text, int times) {
+  std::string result;
+  for (int i = 0; i < times; ++i) result += text;
+  return result;
+}
+
+bool WaitUntil(const std::function<bool()>& condition, Clock::duration timeout) {
+  const Clock::time_point deadline = Clock::now() + timeout;
+  while (!condition()) {
+    if (Clock::now() > deadline) return false;
+    std::this_thread::sleep_for(20ms);
+  }
+  return true;
+}
+
+// A lock_contender process, killed when it is still running at the end.
+class Contender {
+ public:
+  Contender(std::vector<std::string> arguments, const std::string& log) {
+    arguments.insert(arguments.begin(),
+                     idxbase_test::BuiltProgram("tests/services/lock_contender"));
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, log.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    if (posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ) != 0) {
+      ADD_FAILURE() << "cannot start " << argv[0];
+      pid_ = -1;
+    }
+    posix_spawn_file_actions_destroy(&actions);
+  }
+  ~Contender() { Kill(); }
+  Contender(const Contender&) = delete;
+  Contender& operator=(const Contender&) = delete;
+
+  pid_t pid() const { return pid_; }
+  void Kill() {
+    if (pid_ <= 0) return;
+    kill(pid_, SIGKILL);
+    Wait();
+  }
+  // The exit code, or 128 + the signal that ended the process.
+  int Wait() {
+    int status = 0;
+    while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
+    }
+    pid_ = -1;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
+
+ private:
+  pid_t pid_ = -1;
+};
+
+class BBDLockTest : public ::testing::Test {
+ protected:
+  KORUnicodeString Dir() const { return dir_.path().c_str(); }
+  std::string LockDir() const { return dir_.Join("lock"); }
+  // The names in the lock directory, sorted.
+  Names Listing() const {
+    Names names;
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(LockDir(), ignored)) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+  void Touch(const std::string& name) const {
+    std::filesystem::create_directories(LockDir());
+    idxbase_test::WriteFile(LockDir() + "/" + name, "");
+  }
+  // Starts a process that holds the lock for `owner` and waits until it
+  // does.
+  std::unique_ptr<Contender> StartHolder(int owner) const {
+    const std::string ready = dir_.Join("ready");
+    auto holder = std::make_unique<Contender>(
+        Names{"hold", dir_.path(), std::to_string(owner), ready}, dir_.Join("holder.log"));
+    EXPECT_TRUE(WaitUntil([&] { return FileExists(ready); }, 20s)) << "the holder did not lock";
+    return holder;
+  }
+
+  TempDir dir_;
+};
+
+TEST_F(BBDLockTest, LockTakesFileZeroAndTheHeartbeatReplacesIt) {
+  BBDLock lock;
+  const Clock::time_point start = Clock::now();
+  ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
+  EXPECT_EQ(Names{"lock.7.0"}, Listing());
+  ASSERT_TRUE(WaitUntil([&] { return Listing() == Names{"lock.7.1"}; }, 5s)) << Listing().size();
+  EXPECT_GE(Clock::now() - start, 1400ms);
+
+  const Clock::time_point unlock = Clock::now();
+  lock.Unlock();
+  EXPECT_LT(Clock::now() - unlock, 500ms) << "Unlock waited for the heartbeat period";
+  EXPECT_EQ(Names{}, Listing());
+  EXPECT_FALSE(lock.IsRunning());
+}
+
+TEST_F(BBDLockTest, DestructionStopsTheHeartbeatAndDeletesItsFile) {
+  {
+    BBDLock lock;
+    ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
+    ASSERT_TRUE(WaitUntil([&] { return Listing() == Names{"lock.7.1"}; }, 5s));
+  }
+  EXPECT_EQ(Names{}, Listing());
+}
+
+TEST_F(BBDLockTest, UnlockDeletesTheCurrentFileAndItsNeighboursOnly) {
+  BBDLock lock;
+  ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
+  for (const char* name : {"lock.7.1", "lock.7.-1", "lock.7.2", "lock.8.0", "readme"}) Touch(name);
+  lock.Unlock();
+  EXPECT_EQ((Names{"lock.7.2", "lock.8.0", "readme"}), Listing());
+}
+
+TEST_F(BBDLockTest, LockFailsWhenTheFirstFileCannotBeCreated) {
+  BBDLock lock;
+  EXPECT_EQ(KOR_E_FAIL, lock.Lock(dir_.Join("missing/index").c_str(), 7));
+  EXPECT_FALSE(lock.IsRunning());
+}
+
+TEST_F(BBDLockTest, CopiesNameTheSameFilesWithAnIdleThread) {
+  BBDLock original;
+  ASSERT_EQ(KOR_S_OK, original.Lock(Dir(), 7));
+  BBDLock copy(original);
+  BBDLock assigned;
+  assigned = original;
+  EXPECT_TRUE(original.IsRunning());
+  EXPECT_FALSE(copy.IsRunning());
+  EXPECT_FALSE(assigned.IsRunning());
+
+  copy.Unlock();
+  EXPECT_EQ(Names{}, Listing());
+  Touch("lock.7.0");
+  assigned.Unlock();
+  EXPECT_EQ(Names{}, Listing());
+}
+
+// IsLocked over lock directories whose files no living process advances.
+struct ScanCase {
+  const char* name;
+  bool makeLockDir;
+  Names files;
+  int owner;
+  bool quiet;
+  int deadLocks;  // files examined, found dead and deleted
+  Names remaining;
+};
+
+void PrintTo(const ScanCase& c, std::ostream* out) { *out << c.name; }
+
+class LockScanTest : public BBDLockTest, public ::testing::WithParamInterface<ScanCase> {};
+
+TEST_P(LockScanTest, DeletesDeadLocksAndReportsThem) {
+  const ScanCase& c = GetParam();
+  if (c.makeLockDir) std::filesystem::create_directories(LockDir());
+  for (const std::string& file : c.files) Touch(file);
+
+  StdoutCapture capture;
+  const Clock::time_point start = Clock::now();
+  EXPECT_FALSE(BBDLock::IsLocked(Dir(), c.owner, c.quiet));
+  const Clock::duration elapsed = Clock::now() - start;
+  EXPECT_EQ(c.quiet ? "" : Repeat(kQuestion + "yes\n", c.deadLocks), capture.Finish());
+  EXPECT_EQ(c.remaining, Listing());
+  EXPECT_GE(elapsed, c.deadLocks * 2000ms);
+  EXPECT_LT(elapsed, c.deadLocks * 2000ms + 1000ms);
+}
+
+const Names kNotLockFiles = {"Lock.1.2", "lock.",     "lock.5", "lock.5.x",
+                             "lock.x.y", "locks.1.2", "readme"};
+
+INSTANTIATE_TEST_SUITE_P(
+    BBDLock, LockScanTest,
+    ::testing::Values(
+        ScanCase{"MissingLockDirectory", false, {}, -1, false, 0, {}},
+        ScanCase{"EmptyLockDirectory", true, {}, -1, false, 0, {}},
+        ScanCase{"NotLockFiles", true, kNotLockFiles, -1, false, 0, kNotLockFiles},
+        ScanCase{"OwnFilesDoNotCount", true, {"lock.7.3"}, 7, false, 0, {"lock.7.3"}},
+        ScanCase{"OwnerMinusOneExaminesEveryFile", true, {"lock.7.3"}, -1, false, 1, {}},
+        ScanCase{"DeadLock", true, {"lock.9.4"}, 7, false, 1, {}},
+        ScanCase{"QuietWritesNothing", true, {"lock.9.4"}, 7, true, 1, {}},
+        ScanCase{"DeadLockAmongOtherNames",
+                 true,
+                 {"lock.-3.-1", "lock.x.y", "readme"},
+                 7,
+                 false,
+                 1,
+                 {"lock.x.y", "readme"}},
+        // Killed between creating its next file and deleting the current one.
+        ScanCase{"DeadOwnerWithTwoFiles", true, {"lock.9.4", "lock.9.5"}, 7, false, 2, {}}),
+    [](const ::testing::TestParamInfo<ScanCase>& param) { return param.param.name; });
+
+TEST_F(BBDLockTest, LivingHolderKeepsTheLock) {
+  const std::unique_ptr<Contender> holder = StartHolder(1);
+  StdoutCapture capture;
+  BBDLock lock;
+  EXPECT_EQ(KOR_S_FALSE, lock.Lock(Dir(), 2));
+  EXPECT_EQ(kQuestion + "no\n", capture.Finish());
+  const Names files = Listing();
+  EXPECT_FALSE(files.empty());
+  for (const std::string& name : files) EXPECT_EQ(0u, name.rfind("lock.1.", 0)) << name;
+}
+
+TEST_F(BBDLockTest, KilledHolderIsFoundDeadAndReplaced) {
+  const std::unique_ptr<Contender> holder = StartHolder(1);
+  const auto pid = static_cast<unsigned int>(holder->pid());
+  EXPECT_EQ(1, RealIsProcessAlive(pid));
+  holder->Kill();
+  EXPECT_EQ(0, RealIsProcessAlive(pid));
+  ASSERT_FALSE(Listing().empty()) << "the killed holder left no file";
+
+  StdoutCapture capture;
+  BBDLock lock;
+  EXPECT_EQ(KOR_S_OK, lock.Lock(Dir(), 2));
+  const std::string output = capture.Finish();
+  EXPECT_TRUE(output == Repeat(kQuestion + "yes\n", 1) || output == Repeat(kQuestion + "yes\n", 2))
+      << output;
+  EXPECT_EQ(Names{"lock.2.0"}, Listing());
+}
+
+// Four processes take and release the lock of one directory repeatedly;
+// each round is an independent directory.
+class LockContentionTest : public BBDLockTest, public ::testing::WithParamInterface<int> {};
+
+TEST_P(LockContentionTest, AtMostOneProcessHoldsTheLock) {
+  constexpr int kContenders = 4;
+  const std::string marker = dir_.Join("marker");
+  std::vector<std::unique_ptr<Contender>> contenders;
+  for (int owner = 1; owner <= kContenders; ++owner) {
+    contenders.push_back(std::make_unique<Contender>(
+        Names{"contend", dir_.path(), std::to_string(owner), "2", marker, "40"},
+        dir_.Join("log" + std::to_string(owner))));
+  }
+  int total = 0;
+  for (int owner = 1; owner <= kContenders; ++owner) {
+    EXPECT_EQ(0, contenders[owner - 1]->Wait()) << "contender " << owner;
+    const std::string log = idxbase_test::ReadFile(dir_.Join("log" + std::to_string(owner)));
+    int acquired = -1;
+    int violations = -1;
+    const std::size_t summary = log.rfind("acquired ");
+    ASSERT_NE(std::string::npos, summary) << log;
+    ASSERT_EQ(
+        2, std::sscanf(log.c_str() + summary, "acquired %d violations %d", &acquired, &violations));
+    EXPECT_EQ(0, violations) << "contender " << owner;
+    total += acquired;
+  }
+  EXPECT_GE(total, kContenders);
+  EXPECT_FALSE(FileExists(marker));
+  EXPECT_EQ(Names{}, Listing()) << "lock files left behind";
+}
+
+INSTANTIATE_TEST_SUITE_P(BBDLock, LockContentionTest, ::testing::Range(1, 4));
+
+}  // namespace

@@ -1,5 +1,6 @@
 #include "platform/kor_utf8.h"
 
+#include <cstdint>
 #include <cstring>
 
 namespace idxbase::detail {
@@ -51,8 +52,14 @@ std::size_t ScanCharacter(std::string_view rest, bool& valid) {
   return matched;
 }
 
+// Eight bytes at a time while no byte has its high bit set, then singly.
 std::size_t AsciiPrefixLength(std::string_view bytes) {
+  constexpr std::uint64_t kHighBits = 0x8080808080808080ull;
   std::size_t length = 0;
+  for (std::uint64_t word = 0; length + sizeof word <= bytes.size(); length += sizeof word) {
+    std::memcpy(&word, bytes.data() + length, sizeof word);
+    if ((word & kHighBits) != 0) break;
+  }
   while (length < bytes.size() && static_cast<unsigned char>(bytes[length]) < 0x80) ++length;
   return length;
 }

@@ -53,6 +53,8 @@ void IDX_Base_Trace::Debug(const char* format, ...) {
 
 void IDX_Base_Trace::Debug_Impl(KORUnicodeString file, const char* format, va_list args,
                                 bool toStdout) {
+  const bool toFile = file.GetLengthInChar() > 0;
+  if (!toStdout && !toFile) return;
   const KORUnicodeString stamp = TimeStamp();
   if (toStdout) {
     va_list copy;
@@ -63,7 +65,7 @@ void IDX_Base_Trace::Debug_Impl(KORUnicodeString file, const char* format, va_li
     std::fflush(stdout);
     va_end(copy);
   }
-  if (file.GetLengthInChar() == 0) return;
+  if (!toFile) return;
   FILE* out = OpenForAppend(file);
   if (out == nullptr) return;
   std::fputs(stamp.ConvertToChar(), out);

@@ -442,17 +442,6 @@ TEST_F(BasicExpressionTest, StringsAreTheDeliveredLengthOfBytes) {
   EXPECT_EQ(D, Eval(like));
 }
 
-TEST_F(BasicExpressionTest, ReadsTheOperandsAtEveryEvaluation) {
-  const char* name = "alpha";
-  BBDBasicExpression e(IDX_Filter_Op_EqualString, new BBDOperandStringUser(&name),
-                       new BBDOperandStringConst(strdup("beta")));
-  EXPECT_EQ(D, Eval(e));
-  name = "beta";
-  EXPECT_EQ(H, Eval(e));
-  name = nullptr;
-  EXPECT_EQ(U, Eval(e));
-}
-
 TEST_F(BasicExpressionTest, EveryEvaluationSetsTheCaseSwitch) {
   BBDBasicExpression equal(IDX_Filter_Op_EqualString, new BBDOperandStringConst(strdup("abc")),
                            new BBDOperandStringConst(strdup("ABC")));

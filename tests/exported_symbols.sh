@@ -24,6 +24,8 @@ for name in 'KORUnicodeString::KORUnicodeString(char const\*)' 'KORSysTSUnicodeS
     'AttributeTypePair::print()' 'BBDOperandMultiTypeClient::GetValInt' \
     'BBDExpression::Compile(BBDExpression*&)' 'BBDBasicExpression::eval' \
     'BBDComposedExpression::toString' 'vtable for BBDNAExpression' \
+    'BBDFilterParser::Parse' 'BBDFilterParser::ParseTime' 'BBDFilterParseError::Describe' \
+    'vtable for BBDFilterSimpleSchema' \
     'IDX_Base_Buffer::GetDataForWriting' 'IDX_Base_ByteArray::GetHashKey' \
     'IDX_Base_String::SortCompare' 'vtable for IDX_Base_Identifier' \
     'KORListValIDX_Base_String::Append' 'IDX_StringHash(' 'ConvertToHexaPreAlloc(' \

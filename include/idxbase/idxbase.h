@@ -11,6 +11,7 @@
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 #include "idxbase/filter_operands.h"
+#include "idxbase/filter_parser.h"
 #include "idxbase/filter_vocabulary.h"
 #include "idxbase/geometry.h"
 #include "idxbase/geometry_lists.h"

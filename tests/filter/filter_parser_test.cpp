@@ -1,0 +1,515 @@
+// The filter language: round trips of rendered trees, evaluation of parsed
+// filters against plain C++ predicates, typing, variables, errors and
+// limits.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "idxbase/filter_parser.h"
+#include "filter_test_support.h"
+#include "support/stdout_capture.h"
+
+namespace {
+
+using idxbase_test::FakeOccurrence;
+
+// One record of the test table; an empty optional is "not available".
+struct Part {
+  std::optional<std::string> name;
+  std::optional<float> mass;
+  std::optional<int> count;
+  std::optional<bool> released;
+  std::optional<std::int64_t> modified;  // seconds since the epoch
+};
+
+enum Column { kName, kMass, kCount, kReleased, kModified };
+
+BBDFilterSimpleSchema PartSchema() {
+  BBDFilterSimpleSchema schema("Part", 7);
+  schema.Add("name", IDX_Filter_Type_String);
+  schema.Add("mass", IDX_Filter_Type_Float);
+  schema.Add("count", IDX_Filter_Type_Int);
+  schema.Add("released", IDX_Filter_Type_Boolean);
+  schema.Add("modified", IDX_Filter_Type_Time);
+  return schema;
+}
+
+// Reads the current part's columns by the pair's attribute number.
+class PartReader : public BBDIAttributeRead {
+ public:
+  const Part* part = nullptr;
+
+  int ReadInt(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
+    return Give(pair, kCount, part->count, value);
+  }
+  int ReadFloat(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
+                float& value) override {
+    return Give(pair, kMass, part->mass, value);
+  }
+  int ReadString(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, const char*& value,
+                 int& length) override {
+    if (!Is(pair, kName) || !part->name) return 0;
+    value = part->name->c_str();
+    length = static_cast<int>(part->name->size());
+    return 1;
+  }
+  int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
+               KORTime& value) override {
+    if (!Is(pair, kModified) || !part->modified) return 0;
+    value = KORTime::FromEpochSeconds(*part->modified);
+    return 1;
+  }
+  int ReadBool(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
+    if (!Is(pair, kReleased) || !part->released) return 0;
+    value = *part->released ? 1 : 0;
+    return 1;
+  }
+  int IsOfType(const BBDOccurrence&, unsigned int, BBDTypeInfo*, int&) override { return 0; }
+  AttributeTypePair ResolvePair(const char*, int, unsigned int) override { return {}; }
+  AttributeTypePair ResolveStringPair(const char*, int, unsigned int) override { return {}; }
+
+ private:
+  static bool Is(const AttributeTypePair* pair, Column column) {
+    return pair != nullptr && pair->GetType() == 7 && pair->GetAttribute() == column;
+  }
+  template <class T>
+  int Give(const AttributeTypePair* pair, Column column, const std::optional<T>& field, T& value) {
+    if (!Is(pair, column) || !field) return 0;
+    value = *field;
+    return 1;
+  }
+};
+
+std::string Render(BBDExpression* expression) {
+  KORUnicodeString text;
+  expression->toString(text);
+  return text.ConvertToChar();
+}
+
+// Parses `text` with the part schema; fails the test on a parse error.
+std::unique_ptr<BBDExpression> MustParse(const BBDFilterParser& parser, const std::string& text) {
+  BBDExpression* root = nullptr;
+  BBDFilterParseError error;
+  EXPECT_EQ(parser.Parse(text, root, error), KOR_S_OK) << text << "\n" << error.Describe();
+  return std::unique_ptr<BBDExpression>(root);
+}
+
+BBDFilterParseError MustFail(const BBDFilterParser& parser, const std::string& text) {
+  BBDExpression* root = nullptr;
+  BBDFilterParseError error;
+  EXPECT_EQ(parser.Parse(text, root, error), KOR_E_FAIL) << text;
+  EXPECT_EQ(root, nullptr);
+  delete root;
+  return error;
+}
+
+// ---------------------------------------------------------------------------
+// Round trip: random well-typed trees render, parse and render the same.
+
+class TreeGenerator {
+ public:
+  explicit TreeGenerator(unsigned seed) : random_(seed) {}
+
+  BBDExpression* Expression(int depth) {
+    const int pick = Below(depth <= 0 ? 8 : 14);
+    if (pick < 6) return Comparison();
+    if (pick == 6) return new BBDNAExpression();
+    if (pick == 7) return Below(2) == 0 ? Comparison() : new BBDNAExpression();
+    if (pick < 10) return new BBDComposedExpression(IDX_Filter_Op_Not, Side(depth), nullptr);
+    return new BBDComposedExpression(Below(2) == 0 ? IDX_Filter_Op_Or : IDX_Filter_Op_And,
+                                     Side(depth), Side(depth));
+  }
+
+ private:
+  int Below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(random_); }
+  // A sub-expression, now and then missing.
+  BBDExpression* Side(int depth) { return Below(12) == 0 ? nullptr : Expression(depth - 1); }
+
+  BBDOperand* Operand(IDX_Filter_ValueType type) {
+    const int pick = Below(12);
+    if (pick == 0) return new BBDNAOperand();
+    if (pick == 1) return nullptr;
+    if (pick < 5) return Attribute(type);
+    switch (type) {
+      case IDX_Filter_Type_Int:
+        return new BBDOperandIntConst(std::uniform_int_distribution<int>(INT32_MIN, INT32_MAX)(random_));
+      case IDX_Filter_Type_Float: {
+        const float magnitude = std::ldexp(std::uniform_real_distribution<float>(1, 2)(random_),
+                                           Below(200) - 100);
+        return new BBDOperandFloatConst(Below(2) == 0 ? magnitude : -magnitude);
+      }
+      case IDX_Filter_Type_Boolean: return new BBDOperandBooleanConst(Below(2) == 0);
+      default: return new BBDOperandStringConst(String());
+    }
+  }
+
+  BBDOperand* Attribute(IDX_Filter_ValueType type) {
+    static const char* const kNames[] = {"name", "mass", "count", "released"};
+    const int column = type == IDX_Filter_Type_String  ? 0
+                       : type == IDX_Filter_Type_Float ? 1
+                       : type == IDX_Filter_Type_Int   ? 2
+                                                       : 3;
+    KORUnicodeString attribute(kNames[column]);
+    return new BBDOperandAttribute(KORUnicodeString("Part"), attribute, type);
+  }
+
+  // A malloc'ed string of printable bytes, spaces, UTF-8 and the
+  // language's own punctuation; never a double quote.
+  char* String() {
+    static const char* const kPieces[] = {"a", "Z", " ", "%", "_", "(", ")", "'", "{", "AND",
+                                          "é", "€", "\\", "@", "$x", "0.5", ">="};
+    std::string text;
+    for (int i = Below(6); i > 0; --i) text += kPieces[Below(17)];
+    char* buffer = static_cast<char*>(std::malloc(text.size() + 1));
+    std::memcpy(buffer, text.c_str(), text.size() + 1);
+    return buffer;
+  }
+
+  BBDExpression* Comparison() {
+    static const IDX_Filter_Operator kInt[] = {
+        IDX_Filter_Op_EqualInt,   IDX_Filter_Op_DifferentInt, IDX_Filter_Op_LowerInt,
+        IDX_Filter_Op_LowerEqInt, IDX_Filter_Op_HigherInt,    IDX_Filter_Op_HigherEqInt,
+        IDX_Filter_Op_BetweenInt};
+    static const IDX_Filter_Operator kFloat[] = {
+        IDX_Filter_Op_EqualFloat,   IDX_Filter_Op_DifferentFloat, IDX_Filter_Op_LowerFloat,
+        IDX_Filter_Op_LowerEqFloat, IDX_Filter_Op_HigherFloat,    IDX_Filter_Op_HigherEqFloat,
+        IDX_Filter_Op_BetweenFloat};
+    static const IDX_Filter_Operator kString[] = {
+        IDX_Filter_Op_EqualString,    IDX_Filter_Op_DifferentString, IDX_Filter_Op_LowerString,
+        IDX_Filter_Op_LowerEqString,  IDX_Filter_Op_HigherString,    IDX_Filter_Op_HigherEqString,
+        IDX_Filter_Op_BetweenString,  IDX_Filter_Op_LikeString,      IDX_Filter_Op_NotLikeString};
+    static const IDX_Filter_Operator kBool[] = {IDX_Filter_Op_EqualBoolean,
+                                                IDX_Filter_Op_DifferentBoolean};
+    IDX_Filter_ValueType type;
+    IDX_Filter_Operator op;
+    switch (Below(4)) {
+      case 0: type = IDX_Filter_Type_Int, op = kInt[Below(7)]; break;
+      case 1: type = IDX_Filter_Type_Float, op = kFloat[Below(7)]; break;
+      case 2: type = IDX_Filter_Type_String, op = kString[Below(9)]; break;
+      default: type = IDX_Filter_Type_Boolean, op = kBool[Below(2)]; break;
+    }
+    if (IDX_Filter_Infos::NumberOfOperands[op] == 2) {
+      // A range missing a bound renders without it: no text stands for it.
+      BBDOperand* subject = Operand(type);
+      BBDOperand* low = nullptr;
+      while (low == nullptr) low = Operand(type);
+      BBDOperand* high = nullptr;
+      while (high == nullptr) high = Operand(type);
+      return new BBDBasicExpression(op, subject, low, high);
+    }
+    BBDOperand* subject = Operand(type);
+    return new BBDBasicExpression(op, subject, Operand(type));
+  }
+
+  std::mt19937 random_;
+};
+
+TEST(FilterParserRoundTrip, GeneratedTreesRenderTheSameAfterParsing) {
+  const BBDFilterSimpleSchema schema = PartSchema();
+  BBDFilterParser compiling(&schema);
+  BBDFilterParser asWritten(&schema);
+  asWritten.SetCompile(false);
+  TreeGenerator generator(20261123);
+  // Renderings collected while standard output is captured (compiling a
+  // tree with missing operands prints warnings), compared afterwards.
+  struct Trip {
+    std::string written, rewritten, compiled, recompiled;
+  };
+  std::vector<Trip> trips;
+  idxbase_test::StdoutCapture quiet;
+  for (int i = 0; i < 3000; ++i) {
+    Trip trip;
+    BBDExpression* tree = generator.Expression(5);
+    trip.written = Render(tree);
+    BBDExpression* parsed = nullptr;
+    BBDFilterParseError error;
+    if (asWritten.Parse(trip.written, parsed, error) == KOR_S_OK) trip.rewritten = Render(parsed);
+    delete parsed;
+    BBDExpression::Compile(tree);
+    trip.compiled = Render(tree);
+    delete tree;
+    parsed = nullptr;
+    if (compiling.Parse(trip.compiled, parsed, error) == KOR_S_OK) trip.recompiled = Render(parsed);
+    delete parsed;
+    trips.push_back(trip);
+  }
+  quiet.Finish();
+  int checked = 0;
+  for (const Trip& trip : trips) {
+    ASSERT_EQ(trip.rewritten, trip.written);
+    if (trip.compiled == "NULL") continue;  // a lone missing part is not a filter
+    ASSERT_EQ(trip.recompiled, trip.compiled);
+    ++checked;
+  }
+  EXPECT_GT(checked, 2900);
+}
+
+// ---------------------------------------------------------------------------
+// Evaluation: parsed filters against the same conditions written in C++.
+
+// The three-valued value of a C++ condition: nullopt when a value it needs
+// is missing.
+using Expected = std::function<std::optional<bool>(const Part&)>;
+
+// The engine's or: decided by any decided side.
+std::optional<bool> Or(std::optional<bool> a, std::optional<bool> b) {
+  if (a == true || b == true) return true;
+  if (a == false || b == false) return false;
+  return std::nullopt;
+}
+std::optional<bool> And(std::optional<bool> a, std::optional<bool> b) {
+  if (!a || !b) return std::nullopt;
+  return *a && *b;
+}
+std::optional<bool> Not(std::optional<bool> a) {
+  if (!a) return std::nullopt;
+  return !*a;
+}
+template <class T, class Test>
+std::optional<bool> If(const std::optional<T>& field, Test test) {
+  if (!field) return std::nullopt;
+  return test(*field);
+}
+
+std::vector<Part> SampleParts() {
+  std::mt19937 random(7);
+  std::vector<Part> parts;
+  static const char* const kNames[] = {"bolt M6", "Bolt M8", "nut", "washer", "bracket", ""};
+  for (int i = 0; i < 400; ++i) {
+    Part part;
+    if (random() % 9 != 0) part.name = kNames[random() % 6];
+    if (random() % 9 != 0) part.mass = static_cast<float>(random() % 100) / 8.0f;
+    if (random() % 9 != 0) part.count = static_cast<int>(random() % 20) - 5;
+    if (random() % 9 != 0) part.released = random() % 2 == 0;
+    if (random() % 9 != 0) part.modified = 1763800000 + static_cast<std::int64_t>(random() % 200000);
+    parts.push_back(part);
+  }
+  return parts;
+}
+
+TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
+  const BBDFilterSimpleSchema schema = PartSchema();
+  BBDFilterParser parser(&schema);
+  const std::int64_t noon = 1763812800;  // 2025-11-22T12:00:00Z
+  const struct {
+    const char* filter;
+    Expected expected;
+  } kCases[] = {
+      {"count > 3 AND mass <= 4.5 OR NOT released = true",
+       [](const Part& p) {
+         return Or(And(If(p.count, [](int c) { return c > 3; }),
+                       If(p.mass, [](float m) { return m <= 4.5f; })),
+                   Not(If(p.released, [](bool r) { return r; })));
+       }},
+      {"count > 3 AND (mass <= 4.5 OR NOT released = true)",
+       [](const Part& p) {
+         return And(If(p.count, [](int c) { return c > 3; }),
+                    Or(If(p.mass, [](float m) { return m <= 4.5f; }),
+                       Not(If(p.released, [](bool r) { return r; }))));
+       }},
+      {"mass BETWEEN 2 AND 5",  // integer bounds become floats
+       [](const Part& p) { return If(p.mass, [](float m) { return m >= 2 && m <= 5; }); }},
+      {"count IN {1, -2 3}",
+       [](const Part& p) { return If(p.count, [](int c) { return c == 1 || c == -2 || c == 3; }); }},
+      {"name LIKE 'olt'",  // LIKE patterns are found anywhere in the subject
+       [](const Part& p) { return If(p.name, [](const std::string& n) { return n.find("olt") != std::string::npos; }); }},
+      {"name NOT LIKE \"*t*\"",
+       [](const Part& p) {
+         return If(p.name, [](const std::string& n) { return n.find('t') == std::string::npos; });
+       }},
+      {"name >= \"nut\" | count <> 0",
+       [](const Part& p) {
+         return Or(If(p.name, [](const std::string& n) { return n >= "nut"; }),
+                   If(p.count, [](int c) { return c != 0; }));
+       }},
+      {"modified < @2025-11-22T12:00:00Z & released != false",
+       [noon](const Part& p) {
+         return And(If(p.modified, [noon](std::int64_t t) { return t < noon; }),
+                    If(p.released, [](bool r) { return r; }));
+       }},
+      {"NOT NOT count = NAOperand OR mass > 10",  // the NA side of the or folds away
+       [](const Part& p) { return If(p.mass, [](float m) { return m > 10; }); }},
+  };
+  PartReader reader;
+  FakeOccurrence occurrence;
+  for (const auto& c : kCases) {
+    auto filter = MustParse(parser, c.filter);
+    ASSERT_NE(filter, nullptr);
+    int decided = 0;
+    for (const Part& part : SampleParts()) {
+      reader.part = &part;
+      const std::optional<bool> expected = c.expected(part);
+      const KORStatus want = !expected ? IDX_FILTER_UNDECIDABLE
+                             : *expected ? IDX_FILTER_HOLDS
+                                         : IDX_FILTER_DOES_NOT;
+      ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want) << c.filter;
+      decided += expected ? 1 : 0;
+    }
+    EXPECT_GT(decided, 100) << c.filter;  // the sample exercises both answers
+  }
+}
+
+TEST(FilterParserEvaluation, VariablesAreReadAtEveryEvaluation) {
+  const BBDFilterSimpleSchema schema = PartSchema();
+  BBDFilterParser parser(&schema);
+  const char* wanted = "nut";
+  parser.BindVariable("wanted", &wanted);
+  auto filter = MustParse(parser, "name = $wanted");
+  ASSERT_NE(filter, nullptr);
+  PartReader reader;
+  FakeOccurrence occurrence;
+  Part nut;
+  nut.name = "nut";
+  reader.part = &nut;
+  EXPECT_EQ(filter->eval(occurrence, 0, reader, true), IDX_FILTER_HOLDS);
+  wanted = "bolt";
+  EXPECT_EQ(filter->eval(occurrence, 0, reader, true), IDX_FILTER_DOES_NOT);
+  EXPECT_EQ(MustFail(parser, "name = $other").message, "unknown variable '$other'");
+}
+
+// ---------------------------------------------------------------------------
+// Typing and rendering of the infix form.
+
+TEST(FilterParserTyping, ChoosesTypedOperatorsAndPromotesIntegerConstants) {
+  const BBDFilterSimpleSchema schema = PartSchema();
+  BBDFilterParser parser(&schema);
+  const struct {
+    const char* text;
+    const char* rendering;
+  } kCases[] = {
+      {"mass = 2", "( Part.mass = 2.000000000 )"},
+      {"3 < mass", "( 3.000000000 < Part.mass )"},
+      {"Part.count BETWEEN -1 7", "( Part.count BETWEEN -1 7 )"},
+      {"mass IN {1 2.5}", "( Part.mass IN  )"},
+      {"released <> TRUE", "( Part.released <> true )"},
+      {"name = 'it''s' OR name = \"say \"\"hi\"\"\"", "( ( Part.name = \"it's\" ) | ( Part.name = \"say \"hi\"\" ) )"},
+      {"a = 1 OR b = 2", nullptr},  // unknown names: checked below
+  };
+  for (const auto& c : kCases) {
+    if (c.rendering == nullptr) continue;
+    auto filter = MustParse(parser, c.text);
+    ASSERT_NE(filter, nullptr);
+    EXPECT_EQ(Render(filter.get()), c.rendering);
+  }
+  // The operator carries the type: a float comparison of 2 and 2.5 would
+  // hold for "mass < 2.5" with mass 2; an integer one could not be built.
+  PartReader reader;
+  FakeOccurrence occurrence;
+  Part part;
+  part.mass = 2.25f;
+  reader.part = &part;
+  EXPECT_EQ(MustParse(parser, "mass BETWEEN 2 2.5")->eval(occurrence, 0, reader, true),
+            IDX_FILTER_HOLDS);
+  EXPECT_EQ(MustParse(parser, "mass IN {2 2.25}")->eval(occurrence, 0, reader, true),
+            IDX_FILTER_HOLDS);
+
+  const struct {
+    const char* text;
+    const char* message;
+  } kErrors[] = {
+      {"count = 2.5", "type mismatch: 'count' is an integer but '2.5' is a float"},
+      {"name = 3", "type mismatch: '3' is an integer but 'name' is a string"},
+      {"released < true", "'<' does not apply to a boolean value"},
+      {"count LIKE 3", "'LIKE' does not apply to an integer value"},
+      {"modified IN {@2026-01-01}", "'IN' does not apply to a time value"},
+      {"mass IN {1 \"x\"}", "type mismatch: '\"x\"' is a string but 'mass' is a float"},
+      {"weight > 1", "unknown attribute 'weight'"},
+      {"Other.mass > 1", "unknown attribute 'Other.mass'"},
+  };
+  for (const auto& c : kErrors) EXPECT_EQ(MustFail(parser, c.text).message, c.message) << c.text;
+}
+
+// ---------------------------------------------------------------------------
+// Errors: position, message and caret; limits.
+
+TEST(FilterParserErrors, NameTheLineAndColumnAndPointAtTheFault) {
+  const BBDFilterSimpleSchema schema = PartSchema();
+  BBDFilterParser parser(&schema);
+  const struct {
+    const char* text;
+    int line;
+    int column;
+    const char* message;
+  } kCases[] = {
+      {"", 1, 1, "expected an operand, found the end of the filter"},
+      {"count >", 1, 8, "expected an operand, found the end of the filter"},
+      {"count 3", 1, 7, "expected a comparison (=, <>, <, <=, >, >=, BETWEEN, IN, LIKE, NOT_LIKE) after 'count'"},
+      {"(count = 1", 1, 11, "expected ')' to close the '(' at line 1, column 1"},
+      {"count = 1)", 1, 10, "expected AND, OR or the end of the filter"},
+      {"count = 1 AND\n  name = \"x", 2, 10, "unterminated string"},
+      {"name = \"é\" AND # ", 1, 16, "unexpected character '#'"},
+      {"count = 99999999999", 1, 9, "integer out of range"},
+      {"mass = 1e39", 1, 8, "float out of range"},
+      {"count = 12abc", 1, 9, "malformed number"},
+      {"modified = @2026-02-29", 1, 12,
+       "invalid date or time '@2026-02-29' (write @YYYY-MM-DD or @YYYY-MM-DDTHH:MM:SS)"},
+      {"count = AND", 1, 9, "expected an operand, found 'AND'"},
+      {"count IN 1", 1, 10, "expected '{' to open the set of IN"},
+      {"name NOT = 'x'", 1, 10, "expected LIKE after NOT"},
+      {"NULL", 1, 1, "NULL stands for a missing part and cannot be the whole filter"},
+      {"count = $", 1, 9, "expected a variable name after '$'"},
+  };
+  for (const auto& c : kCases) {
+    const BBDFilterParseError error = MustFail(parser, c.text);
+    EXPECT_EQ(error.message, c.message) << c.text;
+    EXPECT_EQ(error.line, c.line) << c.text;
+    EXPECT_EQ(error.column, c.column) << c.text;
+  }
+  const BBDFilterParseError error = MustFail(parser, "count = 1 AND\n\tname é= 2");
+  EXPECT_EQ(error.Describe(),
+            "line 2, column 7: unexpected character 'é'\n\tname é= 2\n\t     ^\n");
+}
+
+TEST(FilterParserErrors, DeepNestingIsRefusedNotOverflowed) {
+  const BBDFilterSimpleSchema schema = PartSchema();
+  BBDFilterParser parser(&schema);
+  EXPECT_EQ(MustFail(parser, std::string(100000, '(')).message, "filter nested deeper than 256 levels");
+  EXPECT_EQ(MustFail(parser, std::string(100000, '!')).message, "filter nested deeper than 256 levels");
+  std::string chain = "count = 0";
+  for (int i = 1; i < 256; ++i) chain += " OR count = " + std::to_string(i);
+  EXPECT_NE(MustParse(parser, chain), nullptr);  // 255 ors: 256 levels
+  EXPECT_EQ(MustFail(parser, chain + " OR count = 256").message,
+            "filter nested deeper than 256 levels");
+  EXPECT_EQ(MustFail(BBDFilterParser(), "count = 1").message, "unknown attribute 'count'");
+}
+
+TEST(FilterParserTime, ReadsIsoDatesAsUtcAndRefusesImpossibleDays) {
+  const struct {
+    const char* text;
+    int year, month, day, hour, minute, second;
+  } kValid[] = {
+      {"1970-01-01", 1970, 1, 1, 0, 0, 0},      {"2000-02-29T12:00:00", 2000, 2, 29, 12, 0, 0},
+      {"2026-11-22T10:30:00Z", 2026, 11, 22, 10, 30, 0}, {"1900-03-01", 1900, 3, 1, 0, 0, 0},
+      {"9999-12-31T23:59:59", 9999, 12, 31, 23, 59, 59}, {"1969-12-31T23:59:59", 1969, 12, 31, 23, 59, 59},
+  };
+  for (const auto& c : kValid) {
+    std::tm fields{};
+    fields.tm_year = c.year - 1900;
+    fields.tm_mon = c.month - 1;
+    fields.tm_mday = c.day;
+    fields.tm_hour = c.hour;
+    fields.tm_min = c.minute;
+    fields.tm_sec = c.second;
+    KORTime time = KORTime::FromEpochSeconds(-1);
+    ASSERT_TRUE(BBDFilterParser::ParseTime(c.text, time)) << c.text;
+    EXPECT_EQ(time.GetEpochSeconds(), timegm(&fields)) << c.text;
+  }
+  for (const char* text : {"2026-02-29", "1900-02-29", "2026-13-01", "2026-04-31", "2026-00-10",
+                           "2026-11-22T24:00:00", "2026-11-22T10:60:00", "2026-11-22T10:30",
+                           "2026-11-2", "0000-01-01", "2026-11-22Z1", "2026/11/22", ""}) {
+    KORTime time = KORTime::FromEpochSeconds(42);
+    EXPECT_FALSE(BBDFilterParser::ParseTime(text, time)) << text;
+    EXPECT_EQ(time.GetEpochSeconds(), 42) << text;
+  }
+}
+
+}  // namespace

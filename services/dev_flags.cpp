@@ -1,70 +1,91 @@
 // The development switches, read while the library is loaded. The members
 // are initialised in the order of their definitions below, so the derived
-// _KeepGeneration comes after the two values it is made of.
+// _KeepGeneration comes after the two values it is made of. The variables,
+// rules and defaults come from the switch table.
 #include <string_view>
 
 #include "idxbase/kor_system.h"
 #include "idxbase/settings.h"
+#include "services/dev_flag_table.h"
 #include "services/env_rules.h"
-
-using idxbase::detail::IsDefined;
-using idxbase::detail::ReadNumber;
-using idxbase::detail::ReadSwitch;
 
 namespace {
 
-std::uint32_t ReadUnsigned(const char* name, std::uint32_t fallback) {
-  return static_cast<std::uint32_t>(ReadNumber(name, static_cast<std::int32_t>(fallback)));
+namespace table = idxbase::detail;
+using idxbase::detail::DevFlag;
+using idxbase::detail::FlagRule;
+using idxbase::detail::IsDefined;
+
+// A truth value read by the flag's rule (switch, defined or undefined).
+bool ReadTruth(const DevFlag& flag) {
+  switch (flag.rule) {
+    case FlagRule::kSwitch:
+      return idxbase::detail::ReadSwitch(flag.variable, flag.fallback.number != 0);
+    case FlagRule::kUndefined:
+      return !IsDefined(flag.variable);
+    default:
+      return IsDefined(flag.variable) ||
+             (flag.secondVariable != nullptr && IsDefined(flag.secondVariable));
+  }
 }
 
-std::uint32_t ReadMilliseconds(const char* secondsName) {
-  return ReadUnsigned(secondsName, 0) * 1000u;
+std::int32_t ReadNumber(const DevFlag& flag) {
+  return idxbase::detail::ReadNumber(flag.variable, static_cast<std::int32_t>(flag.fallback.number));
+}
+
+// Unsigned members take the 32-bit result as it stands; a number of
+// seconds becomes milliseconds, the product wrapping modulo 2^32.
+std::uint32_t ReadUnsigned(const DevFlag& flag) {
+  const auto value = static_cast<std::uint32_t>(ReadNumber(flag));
+  return flag.rule == FlagRule::kSeconds ? value * 1000u : value;
+}
+
+const char* ReadText(const DevFlag& flag) {
+  const char* value = KORGetEnv(flag.variable);
+  return value != nullptr ? value : flag.fallback.text;
 }
 
 int DeriveKeepGeneration(int first, int second) { return first > 0 ? first : second; }
 
 }  // namespace
 
-bool IDX_DEV_LA::_FastCV = ReadSwitch("IDXFastCV", true);
-bool IDX_DEV_LA::_FastCVWrap = ReadSwitch("IDXFastCVWrap", true);
-bool IDX_DEV_LA::_FastCVNames = ReadSwitch("IDXFastCVNames", true);
-bool IDX_DEV_LA::_FastCVRootIds = ReadSwitch("IDXFastCVRootIds", true);
-bool IDX_DEV_LA::_FastCVBBoxes = ReadSwitch("IDXFastCVBBoxes", true);
-bool IDX_DEV_LA::_Log2CV = ReadSwitch("IDXLog2CV", false);
-bool IDX_DEV_LA::_Log2CVPerfo = ReadSwitch("IDXLog2CVPerfo", false);
-bool IDX_DEV_LA::_ForceOctreeWithThbOnly = ReadSwitch("IDXForceOctreeWithThbOnly", false);
-bool IDX_DEV_LA::_UseVLMSimplified = !IsDefined("IDX_DO_NOT_USE_SimplifiedVLM");
-bool IDX_DEV_LA::_DWHIndexing = !IsDefined("IDX_NO_INDEX_DWH");
-bool IDX_DEV_LA::_AdvancedMigration = !IsDefined("NO_ADVANCED_MIGRATION");
-bool IDX_DEV_LA::_IndexTextOnly = !IsDefined("IDXDisableTextOnly");
-bool IDX_DEV_LA::_postProcRep = !IsDefined("IDXDisableForcePostProcRep");
-bool IDX_DEV_LA::_postProcAllObjects = IsDefined("IDXEvalAllAtMaybe");
-bool IDX_DEV_LA::_PersistantConfigCacheActive = IsDefined("IDXConfigCacheDir");
-KORUnicodeString IDX_DEV_LA::_PersistantConfigCacheDir = KORGetEnv("IDXConfigCacheDir");
-bool IDX_DEV_LA::_BuildRTree = IsDefined("IDXBuildRTree");
-bool IDX_DEV_LA::_DisableRTree = IsDefined("IDXDisableRTree");
-bool IDX_DEV_LA::_OldBBComputation = IsDefined("IDXOldBBComputation");
-bool IDX_DEV_LA::_CheckMemoryConsistency = IsDefined("KORQuillonCheckMemoryConsistency");
-bool IDX_DEV_LA::_RecoverInstance = IsDefined("IDXRecoverInstance");
-int IDX_DEV_LA::_RecoverInstanceSeconds = ReadNumber("IDXRecoverInstanceSecondsNumber", 7200);
-bool IDX_DEV_LA::_KeepLocalTaskLog = IsDefined("IDXKeepLocalTaskLog");
-bool IDX_DEV_LA::_IndexPrivateReps = IsDefined("IDXIndexPrivateReps");
-bool IDX_DEV_LA::_ReadableTimeStampsForBBDMonitorFolders =
-    IsDefined("ReadableTimestampsForBBDMonitorFolders");
-bool IDX_DEV_LA::IDXUseQuillonSecurityInsteadOfOCDX =
-    IsDefined("IDXUseQuillonSecurityInsteadOfOCDX");
-bool IDX_DEV_LA::_UseDeleteLog = IsDefined("IDXUseDeleteLog");
-bool IDX_DEV_LA::_SimilarBSFFilter = IsDefined("IDXSimilarBSFFilter");
-bool IDX_DEV_LA::_newSecuEnabled = IsDefined("IDXNewSecu");
-std::uint32_t IDX_DEV_LA::_QueryTimerMilliSecond = ReadMilliseconds("IDXQueryMaxDuration");
+bool IDX_DEV_LA::_FastCV = ReadTruth(table::kFastCV);
+bool IDX_DEV_LA::_FastCVWrap = ReadTruth(table::kFastCVWrap);
+bool IDX_DEV_LA::_FastCVNames = ReadTruth(table::kFastCVNames);
+bool IDX_DEV_LA::_FastCVRootIds = ReadTruth(table::kFastCVRootIds);
+bool IDX_DEV_LA::_FastCVBBoxes = ReadTruth(table::kFastCVBBoxes);
+bool IDX_DEV_LA::_Log2CV = ReadTruth(table::kLog2CV);
+bool IDX_DEV_LA::_Log2CVPerfo = ReadTruth(table::kLog2CVPerfo);
+bool IDX_DEV_LA::_ForceOctreeWithThbOnly = ReadTruth(table::kForceOctreeWithThbOnly);
+bool IDX_DEV_LA::_UseVLMSimplified = ReadTruth(table::kUseVLMSimplified);
+bool IDX_DEV_LA::_DWHIndexing = ReadTruth(table::kDWHIndexing);
+bool IDX_DEV_LA::_AdvancedMigration = ReadTruth(table::kAdvancedMigration);
+bool IDX_DEV_LA::_IndexTextOnly = ReadTruth(table::kIndexTextOnly);
+bool IDX_DEV_LA::_postProcRep = ReadTruth(table::kPostProcRep);
+bool IDX_DEV_LA::_postProcAllObjects = ReadTruth(table::kEvalAllAtMaybe);
+bool IDX_DEV_LA::_PersistantConfigCacheActive = ReadTruth(table::kConfigCacheActive);
+KORUnicodeString IDX_DEV_LA::_PersistantConfigCacheDir = ReadText(table::kConfigCacheDir);
+bool IDX_DEV_LA::_BuildRTree = ReadTruth(table::kBuildRTree);
+bool IDX_DEV_LA::_DisableRTree = ReadTruth(table::kDisableRTree);
+bool IDX_DEV_LA::_OldBBComputation = ReadTruth(table::kOldBBComputation);
+bool IDX_DEV_LA::_CheckMemoryConsistency = ReadTruth(table::kCheckMemoryConsistency);
+bool IDX_DEV_LA::_RecoverInstance = ReadTruth(table::kRecoverInstance);
+int IDX_DEV_LA::_RecoverInstanceSeconds = ReadNumber(table::kRecoverInstanceSeconds);
+bool IDX_DEV_LA::_KeepLocalTaskLog = ReadTruth(table::kKeepLocalTaskLog);
+bool IDX_DEV_LA::_IndexPrivateReps = ReadTruth(table::kIndexPrivateReps);
+bool IDX_DEV_LA::_ReadableTimeStampsForBBDMonitorFolders = ReadTruth(table::kReadableTimeStamps);
+bool IDX_DEV_LA::IDXUseQuillonSecurityInsteadOfOCDX = ReadTruth(table::kUseQuillonSecurity);
+bool IDX_DEV_LA::_UseDeleteLog = ReadTruth(table::kUseDeleteLog);
+bool IDX_DEV_LA::_SimilarBSFFilter = ReadTruth(table::kSimilarBSFFilter);
+bool IDX_DEV_LA::_newSecuEnabled = ReadTruth(table::kNewSecu);
+std::uint32_t IDX_DEV_LA::_QueryTimerMilliSecond = ReadUnsigned(table::kQueryTimer);
 std::uint32_t IDX_DEV_LA::_DerivedObjectComputationTimeLimitForBuilderLogsInMs =
-    ReadUnsigned("IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs", 0);
-std::uint32_t IDX_DEV_LA::_MaxMemorySizeForBuilderInMB =
-    ReadUnsigned("IDX_MaxMemorySizeForBuilderInMB", 7000);
+    ReadUnsigned(table::kDerivedObjectTimeLimit);
+std::uint32_t IDX_DEV_LA::_MaxMemorySizeForBuilderInMB = ReadUnsigned(table::kMaxMemoryForBuilder);
 std::uint32_t IDX_DEV_LA::_MaxMemorySizeForAllBuildersInMB =
-    ReadUnsigned("IDX_MaxMemorySizeForBuilderInMB", 196000);
-int IDX_DEV_LA::_KeepGeneration1 = ReadNumber("IDXKeepPreviousGeneration", -1);
-int IDX_DEV_LA::_KeepGeneration2 = ReadNumber("KeepPreviousGeneration", -1);
+    ReadUnsigned(table::kMaxMemoryForAllBuilders);
+int IDX_DEV_LA::_KeepGeneration1 = ReadNumber(table::kKeepGeneration1);
+int IDX_DEV_LA::_KeepGeneration2 = ReadNumber(table::kKeepGeneration2);
 int IDX_DEV_LA::_KeepGeneration = DeriveKeepGeneration(_KeepGeneration1, _KeepGeneration2);
 
 bool IDX_DEV_LA::UseVLMSimplified() { return _UseVLMSimplified; }
@@ -99,15 +120,13 @@ std::uint32_t IDX_DEV_LA::MaxMemorySizeForAllBuildersinMB() {
 int IDX_DEV_LA::KeepGeneration() { return _KeepGeneration; }
 
 bool IDX_DEV_LA::RunWithCVServlet() {
-  if (IsDefined("IDXKeepPreviousGeneration")) return false;
-  const char* value = KORGetEnv("RUN_WITH_CVSERVLET");
+  const DevFlag& flag = table::kRunWithCVServlet;
+  if (IsDefined(flag.secondVariable)) return false;
+  const char* value = KORGetEnv(flag.variable);
   return value == nullptr || std::string_view(value) != "NO";
 }
 
-bool IDX_DEV_LA::dontKillOrpheanBuilders() {
-  return IsDefined("QBR_PMX_TMP") || IsDefined("IDXDontKillOrpheanBuilders");
-}
-
-const char* IDX_DEV_LA::getKORIndexStoragePath() { return KORGetEnv("KORIndexStoragePath"); }
-bool IDX_DEV_LA::isPlmIndexDisabled() { return IsDefined("PLM_INDEX_DISABLED"); }
-bool IDX_DEV_LA::isPlmIndexInProcess() { return IsDefined("PLM_INDEX_INPROCESS"); }
+bool IDX_DEV_LA::dontKillOrpheanBuilders() { return ReadTruth(table::kDontKillOrpheanBuilders); }
+const char* IDX_DEV_LA::getKORIndexStoragePath() { return ReadText(table::kIndexStoragePath); }
+bool IDX_DEV_LA::isPlmIndexDisabled() { return ReadTruth(table::kPlmIndexDisabled); }
+bool IDX_DEV_LA::isPlmIndexInProcess() { return ReadTruth(table::kPlmIndexInProcess); }

@@ -1,14 +1,23 @@
 // The subcommands of the idxbase tool. Each takes the arguments after its
-// name and returns the process exit status.
+// name and returns the process exit status: 0 success, 1 a negative answer
+// or a failure, 2 a usage error. Each answers "--help" with its help text.
 #ifndef IDXBASE_TOOLS_COMMANDS_H_
 #define IDXBASE_TOOLS_COMMANDS_H_
 
 namespace idxbase_tool {
 
-// Prints every development switch as "name=value", one per line.
-int FlagsCommand(int argc, char** argv);
 // Prints the version and build information.
 int AboutCommand(int argc, char** argv);
+// Lists the development switches: variable, rule, default and value.
+int FlagsCommand(int argc, char** argv);
+// Prints the names of an index's directories and files.
+int NamesCommand(int argc, char** argv);
+// Writes or verifies ".checksum" files.
+int ChecksumCommand(int argc, char** argv);
+// Runs a command while holding a directory's lock.
+int LockCommand(int argc, char** argv);
+// Tells whether a directory's lock is held.
+int IsLockedCommand(int argc, char** argv);
 
 }  // namespace idxbase_tool
 

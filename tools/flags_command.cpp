@@ -1,87 +1,133 @@
+// idxbase flags: the development switches, from the library's switch
+// table, with the values the library read.
+#include <algorithm>
+#include <array>
 #include <cstdio>
+#include <string>
+#include <vector>
 
+#include "command_line.h"
 #include "commands.h"
-#include "idxbase/idxbase.h"
+#include "services/dev_flag_table.h"
 
 namespace idxbase_tool {
 namespace {
 
-void Print(const char* name, bool value) { std::printf("%s=%s\n", name, value ? "true" : "false"); }
-void Print(const char* name, int value) { std::printf("%s=%d\n", name, value); }
-void Print(const char* name, std::uint32_t value) { std::printf("%s=%u\n", name, value); }
-void Print(const char* name, const char* value) {
-  std::printf("%s=%s\n", name, value != nullptr ? value : "(null)");
+using idxbase::detail::DevFlag;
+using idxbase::detail::FlagValue;
+
+constexpr CommandHelp kHelp{
+    "flags", "[--json]",
+    "Lists every development switch: its name (member or accessor of IDX_DEV_LA),\n"
+    "the environment variable it reads, its rule, its value when the variable is\n"
+    "not defined, and its value in this process.\n"
+    "\n"
+    "  --json   print a JSON array of objects with the keys name, variable,\n"
+    "           rule, default and value (true/false, numbers, strings or null)\n"
+    "\n"
+    "Rules:\n"
+    "  switch      FALSE, NO and 0 (exactly) give false, any other value true\n"
+    "  defined     true when the variable (or one of the two) is defined\n"
+    "  undefined   true when the variable is not defined\n"
+    "  number      read like atoi, wrapping modulo 2^32\n"
+    "  seconds     a number of seconds, held in milliseconds\n"
+    "  text        the variable's text; (null) when not defined\n"
+    "  generation  the first variable's number when 1 or more, else the second's\n"
+    "  not-NO      false when the second variable is defined or the value is NO\n"
+    "\"per call\" switches are read at every call; the others once, when the\n"
+    "library is loaded.\n"};
+
+using Row = std::array<std::string, 5>;
+
+std::string Variables(const DevFlag& flag) {
+  std::string text = flag.variable;
+  if (flag.secondVariable != nullptr) text += std::string(",") + flag.secondVariable;
+  return text;
 }
 
-// Prints "name=value", the name being the expression without its "F::".
-#define IDXBASE_PRINT_FLAG(expression) Print(&(#expression)[3], expression)
-
-void PrintMembers() {
-  using F = IDX_DEV_LA;
-  IDXBASE_PRINT_FLAG(F::_FastCV);
-  IDXBASE_PRINT_FLAG(F::_FastCVWrap);
-  IDXBASE_PRINT_FLAG(F::_FastCVNames);
-  IDXBASE_PRINT_FLAG(F::_FastCVRootIds);
-  IDXBASE_PRINT_FLAG(F::_FastCVBBoxes);
-  IDXBASE_PRINT_FLAG(F::_Log2CV);
-  IDXBASE_PRINT_FLAG(F::_Log2CVPerfo);
-  IDXBASE_PRINT_FLAG(F::_ForceOctreeWithThbOnly);
-  IDXBASE_PRINT_FLAG(F::_OldBBComputation);
-  IDXBASE_PRINT_FLAG(F::IDXUseQuillonSecurityInsteadOfOCDX);
-  IDXBASE_PRINT_FLAG(F::_KeepGeneration1);
-  IDXBASE_PRINT_FLAG(F::_KeepGeneration2);
+std::string Rule(const DevFlag& flag) {
+  return std::string(RuleName(flag.rule)) + (flag.readAtEachCall ? ", per call" : "");
 }
 
-void PrintLoadTimeAccessors() {
-  using F = IDX_DEV_LA;
-  IDXBASE_PRINT_FLAG(F::UseVLMSimplified());
-  IDXBASE_PRINT_FLAG(F::DWHIndexing());
-  IDXBASE_PRINT_FLAG(F::AdvancedMigration());
-  IDXBASE_PRINT_FLAG(F::IsIndexTextOnly());
-  IDXBASE_PRINT_FLAG(F::ForcePostProcRep());
-  IDXBASE_PRINT_FLAG(F::EvalAllAtMaybe());
-  IDXBASE_PRINT_FLAG(F::IsPersistantConfigCacheActive());
-  IDXBASE_PRINT_FLAG(F::GetPersistantConfigCacheDir().ConvertToChar());
-  IDXBASE_PRINT_FLAG(F::IsRTreeBuildActive());
-  IDXBASE_PRINT_FLAG(F::IsRTreeDisabledRT());
-  IDXBASE_PRINT_FLAG(F::CheckMemoryConsistency());
-  IDXBASE_PRINT_FLAG(F::IsRecoverInstance());
-  IDXBASE_PRINT_FLAG(F::RecoverInstanceSeconds());
-  IDXBASE_PRINT_FLAG(F::KeepLocalTaskLog());
-  IDXBASE_PRINT_FLAG(F::IndexPrivateReps());
-  IDXBASE_PRINT_FLAG(F::ReadableTimeStampsForBBDMonitorFolders());
-  IDXBASE_PRINT_FLAG(F::UseDeleteLog());
-  IDXBASE_PRINT_FLAG(F::IsSimilarBSFFilter());
-  IDXBASE_PRINT_FLAG(F::IsNewSecuEnabled());
-  IDXBASE_PRINT_FLAG(F::QueryTimerMilliSecond());
-  IDXBASE_PRINT_FLAG(F::DerivedObjectComputationTimeLimitForBuilderLogsInMs());
-  IDXBASE_PRINT_FLAG(F::MaxMemorySizeForBuilderInMB());
-  IDXBASE_PRINT_FLAG(F::MaxMemorySizeForAllBuildersinMB());
-  IDXBASE_PRINT_FLAG(F::KeepGeneration());
+std::string Plain(const FlagValue& value) {
+  switch (value.kind) {
+    case FlagValue::Kind::kTruth: return value.number != 0 ? "true" : "false";
+    case FlagValue::Kind::kNumber: return std::to_string(value.number);
+    case FlagValue::Kind::kText: break;
+  }
+  return value.text == nullptr ? "(null)" : std::string("\"") + value.text + "\"";
 }
 
-void PrintCallTimeAccessors() {
-  using F = IDX_DEV_LA;
-  IDXBASE_PRINT_FLAG(F::RunWithCVServlet());
-  IDXBASE_PRINT_FLAG(F::dontKillOrpheanBuilders());
-  IDXBASE_PRINT_FLAG(F::getKORIndexStoragePath());
-  IDXBASE_PRINT_FLAG(F::isPlmIndexDisabled());
-  IDXBASE_PRINT_FLAG(F::isPlmIndexInProcess());
+std::string JsonString(const std::string& text) {
+  std::string quoted = "\"";
+  for (char c : text) {
+    if (c == '"' || c == '\\') {
+      quoted += '\\';
+      quoted += c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      char escape[8];
+      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(c));
+      quoted += escape;
+    } else {
+      quoted += c;
+    }
+  }
+  return quoted + "\"";
 }
 
-#undef IDXBASE_PRINT_FLAG
+std::string Json(const FlagValue& value) {
+  if (value.kind != FlagValue::Kind::kText) return Plain(value);
+  return value.text == nullptr ? "null" : JsonString(value.text);
+}
+
+void PrintTable() {
+  std::vector<Row> rows = {{"NAME", "VARIABLE", "RULE", "DEFAULT", "VALUE"}};
+  for (const DevFlag* flag : idxbase::detail::kDevFlags) {
+    rows.push_back({flag->name, Variables(*flag), Rule(*flag), Plain(flag->fallback),
+                    Plain(flag->current())});
+  }
+  std::array<int, 4> widths{};
+  for (const Row& row : rows) {
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+      widths[column] = std::max(widths[column], static_cast<int>(row[column].size()));
+    }
+  }
+  for (const Row& row : rows) {
+    for (std::size_t column = 0; column < widths.size(); ++column) {
+      std::printf("%-*s  ", widths[column], row[column].c_str());
+    }
+    std::printf("%s\n", row[4].c_str());
+  }
+}
+
+void PrintJson() {
+  std::printf("[");
+  const char* separator = "\n";
+  for (const DevFlag* flag : idxbase::detail::kDevFlags) {
+    std::printf("%s  {\"name\": %s, \"variable\": %s, \"rule\": %s, \"default\": %s, \"value\": %s}",
+                separator, JsonString(flag->name).c_str(), JsonString(Variables(*flag)).c_str(),
+                JsonString(Rule(*flag)).c_str(), Json(flag->fallback).c_str(),
+                Json(flag->current()).c_str());
+    separator = ",\n";
+  }
+  std::printf("\n]\n");
+}
 
 }  // namespace
 
-int FlagsCommand(int argc, char**) {
-  if (argc != 0) {
-    std::fprintf(stderr, "idxbase flags: takes no arguments\n");
-    return 2;
+int FlagsCommand(int argc, char** argv) {
+  ParsedArguments arguments;
+  if (!ParseArguments(kHelp, argc, argv, {{"--json", false}}, arguments)) return kExitUsage;
+  if (arguments.help) return PrintHelp(kHelp);
+  if (!arguments.operands.empty() || arguments.sawSeparator) {
+    return UsageError(kHelp, "takes no operands");
   }
-  PrintMembers();
-  PrintLoadTimeAccessors();
-  PrintCallTimeAccessors();
-  return 0;
+  if (arguments.Has("--json")) {
+    PrintJson();
+  } else {
+    PrintTable();
+  }
+  return kExitSuccess;
 }
 
 }  // namespace idxbase_tool

@@ -1,0 +1,129 @@
+#include "command_line.h"
+
+#include <sys/stat.h>
+
+#include <cctype>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <string_view>
+
+namespace idxbase_tool {
+namespace {
+
+void WriteMessage(const char* command, const char* format, va_list arguments) {
+  std::fprintf(stderr, "idxbase %s: ", command);
+  std::vfprintf(stderr, format, arguments);
+  std::fputc('\n', stderr);
+}
+
+const OptionSpec* FindOption(std::initializer_list<OptionSpec> specs, std::string_view name) {
+  for (const OptionSpec& spec : specs) {
+    if (name == spec.name) return &spec;
+  }
+  return nullptr;
+}
+
+void PrintUsageLine(FILE* out, const CommandHelp& help) {
+  std::fprintf(out, "usage: idxbase %s%s%s\n", help.name, *help.synopsis != '\0' ? " " : "",
+               help.synopsis);
+}
+
+bool IsOption(const char* argument) { return argument[0] == '-' && argument[1] != '\0'; }
+
+}  // namespace
+
+bool ParsedArguments::Has(const char* name) const { return Value(name) != nullptr; }
+
+const char* ParsedArguments::Value(const char* name) const {
+  const char* found = nullptr;
+  for (const auto& [option, value] : options) {
+    if (option == name) found = value.c_str();
+  }
+  return found;
+}
+
+bool ParseArguments(const CommandHelp& help, int argc, char** argv,
+                    std::initializer_list<OptionSpec> specs, ParsedArguments& out) {
+  for (int i = 0; i < argc; ++i) {
+    const std::string_view argument = argv[i];
+    if (argument == "--") {
+      out.sawSeparator = true;
+      out.rest.assign(argv + i + 1, argv + argc);
+      return true;
+    }
+    if (!IsOption(argv[i])) {
+      out.operands.push_back(argv[i]);
+      continue;
+    }
+    if (argument == "--help" || argument == "-h") {
+      out.help = true;
+      continue;
+    }
+    const std::size_t equals = argument.find('=');
+    const OptionSpec* spec = FindOption(specs, argument.substr(0, equals));
+    if (spec == nullptr || (equals != std::string_view::npos && !spec->takesValue)) {
+      UsageError(help, "unknown option '%s'", argv[i]);
+      return false;
+    }
+    if (!spec->takesValue) {
+      out.options.emplace_back(spec->name, "");
+    } else if (equals != std::string_view::npos) {
+      out.options.emplace_back(spec->name, std::string(argument.substr(equals + 1)));
+    } else if (i + 1 < argc) {
+      out.options.emplace_back(spec->name, argv[++i]);
+    } else {
+      UsageError(help, "option '%s' needs a value", spec->name);
+      return false;
+    }
+  }
+  return true;
+}
+
+int PrintHelp(const CommandHelp& help) {
+  PrintUsageLine(stdout, help);
+  std::printf("\n%s", help.details);
+  return kExitSuccess;
+}
+
+int UsageError(const CommandHelp& help, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  WriteMessage(help.name, format, arguments);
+  va_end(arguments);
+  PrintUsageLine(stderr, help);
+  return kExitUsage;
+}
+
+void ReportError(const char* command, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  WriteMessage(command, format, arguments);
+  va_end(arguments);
+}
+
+bool CheckDirectory(const char* command, const char* path) {
+  struct stat status {};
+  const int error = stat(path, &status) != 0 ? errno : S_ISDIR(status.st_mode) ? 0 : ENOTDIR;
+  if (error != 0) ReportError(command, "%s: %s", path, std::strerror(error));
+  return error == 0;
+}
+
+bool ParseInt(const char* text, int& value) {
+  // strtol would also take leading white space and a plus sign.
+  if (*text == '\0' || *text == '+' || std::isspace(static_cast<unsigned char>(*text))) {
+    return false;
+  }
+  char* end = nullptr;
+  errno = 0;
+  const long parsed = std::strtol(text, &end, 10);
+  if (errno != 0 || *end != '\0' || parsed < std::numeric_limits<int>::min() ||
+      parsed > std::numeric_limits<int>::max()) return false;
+  value = static_cast<int>(parsed);
+  return true;
+}
+
+}  // namespace idxbase_tool

@@ -12,6 +12,10 @@ int AboutCommand(int argc, char** argv);
 int FlagsCommand(int argc, char** argv);
 // Prints the names of an index's directories and files.
 int NamesCommand(int argc, char** argv);
+// Runs a handful of filters over a built-in table of parts.
+int DemoCommand(int argc, char** argv);
+// Prints the records of a typed CSV file that match a filter.
+int FilterCommand(int argc, char** argv);
 // Writes or verifies ".checksum" files.
 int ChecksumCommand(int argc, char** argv);
 // Runs a command while holding a directory's lock.

@@ -16,6 +16,9 @@ struct Command {
 constexpr Command kCommands[] = {
     {"about", idxbase_tool::AboutCommand, "print the version and build information"},
     {"checksum", idxbase_tool::ChecksumCommand, "write or verify the .checksum files of files"},
+    {"demo", idxbase_tool::DemoCommand,
+     "run filters over a built-in table of a million parts, with timings"},
+    {"filter", idxbase_tool::FilterCommand, "print the records of a typed CSV file that match a filter"},
     {"flags", idxbase_tool::FlagsCommand,
      "list the development switches: variable, rule, default and value"},
     {"islocked", idxbase_tool::IsLockedCommand, "tell whether a directory's lock is held"},

@@ -14,7 +14,10 @@
 namespace idxbase_tool {
 namespace {
 
-void WriteMessage(const char* command, const char* format, va_list arguments) {
+__attribute__((format(printf, 2, 0))) void WriteMessage(const char* command, const char* format,
+                                                        va_list arguments) {
+  // What was printed before the message comes before it in a shared log.
+  std::fflush(stdout);
   std::fprintf(stderr, "idxbase %s: ", command);
   std::vfprintf(stderr, format, arguments);
   std::fputc('\n', stderr);

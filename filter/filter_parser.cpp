@@ -53,6 +53,8 @@ void Locate(std::string_view text, std::size_t offset, BBDFilterParseError& erro
   error.sourceLine = std::string(line);
 }
 
+constexpr int kMaxTextNesting = 4 * BBDFilterParser::kMaxDepth;
+
 class Parser {
  public:
   Parser(std::string_view text, const BBDFilterSchema* schema,
@@ -110,12 +112,13 @@ bool Parser::Advance() {
   return true;
 }
 
-// Counts one more level of nesting in the text; refuses past kMaxDepth,
-// so that no input can exhaust the stack.
+// Counts one more parenthesis or NOT around the text to come, so that no
+// input can exhaust the stack. A tree of kMaxDepth levels renders with up
+// to two of them per level, which stays well within the bound.
 bool Parser::Enter(std::size_t offset) {
-  if (++nesting_ > BBDFilterParser::kMaxDepth) {
-    return Fail(offset, "filter nested deeper than " +
-                            std::to_string(BBDFilterParser::kMaxDepth) + " levels");
+  if (++nesting_ > kMaxTextNesting) {
+    return Fail(offset, "more than " + std::to_string(kMaxTextNesting) +
+                            " parentheses and NOTs nested");
   }
   return true;
 }

@@ -128,8 +128,9 @@ struct IDXBASE_API BBDFilterParseError {
 //
 // Statuses: Parse gives KOR_S_OK with `root` set to a new tree, owned by
 // the caller (delete it), or KOR_E_FAIL with `root` null and `error`
-// filled in. No input makes it crash: nesting deeper than kMaxDepth, in
-// the text or in the tree it would build, is refused.
+// filled in. No input makes it crash: a tree deeper than kMaxDepth levels
+// is refused, and so is text with more than 4 * kMaxDepth parentheses and
+// NOTs nested (what keeps the parser's own recursion bounded).
 class IDXBASE_API BBDFilterParser {
  public:
   static constexpr int kMaxDepth = 256;

@@ -299,7 +299,7 @@ std::vector<Part> SampleParts() {
 TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
   const BBDFilterSimpleSchema schema = PartSchema();
   BBDFilterParser parser(&schema);
-  const std::int64_t noon = 1763812800;  // 2025-11-22T12:00:00Z
+  static constexpr std::int64_t kNoon = 1763812800;  // 2025-11-22T12:00:00Z
   const struct {
     const char* filter;
     Expected expected;
@@ -332,8 +332,8 @@ TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
                    If(p.count, [](int c) { return c != 0; }));
        }},
       {"modified < @2025-11-22T12:00:00Z & released != false",
-       [noon](const Part& p) {
-         return And(If(p.modified, [noon](std::int64_t t) { return t < noon; }),
+       [](const Part& p) {
+         return And(If(p.modified, [](std::int64_t t) { return t < kNoon; }),
                     If(p.released, [](bool r) { return r; }));
        }},
       {"NOT NOT count = NAOperand OR mass > 10",  // the NA side of the or folds away
@@ -351,7 +351,9 @@ TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
       const KORStatus want = !expected ? IDX_FILTER_UNDECIDABLE
                              : *expected ? IDX_FILTER_HOLDS
                                          : IDX_FILTER_DOES_NOT;
-      ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want) << c.filter;
+      ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want)
+          << c.filter << " name " << part.name.value_or("-") << " mass " << part.mass.value_or(-1)
+          << " count " << part.count.value_or(-99) << " released " << part.released.value_or(-1);
       decided += expected ? 1 : 0;
     }
     EXPECT_GT(decided, 100) << c.filter;  // the sample exercises both answers
@@ -472,8 +474,16 @@ TEST(FilterParserErrors, NameTheLineAndColumnAndPointAtTheFault) {
 TEST(FilterParserErrors, DeepNestingIsRefusedNotOverflowed) {
   const BBDFilterSimpleSchema schema = PartSchema();
   BBDFilterParser parser(&schema);
-  EXPECT_EQ(MustFail(parser, std::string(100000, '(')).message, "filter nested deeper than 256 levels");
-  EXPECT_EQ(MustFail(parser, std::string(100000, '!')).message, "filter nested deeper than 256 levels");
+  EXPECT_EQ(MustFail(parser, std::string(100000, '(')).message,
+            "more than 1024 parentheses and NOTs nested");
+  EXPECT_EQ(MustFail(parser, std::string(100000, '!')).message,
+            "more than 1024 parentheses and NOTs nested");
+  // 255 nots over a comparison: 256 levels, rendered with 510 nestings.
+  auto nots = MustParse(parser, std::string(255, '!') + "count = 1");
+  ASSERT_NE(nots, nullptr);
+  EXPECT_NE(MustParse(parser, Render(nots.get())), nullptr);
+  EXPECT_EQ(MustFail(parser, std::string(256, '!') + "count = 1").message,
+            "filter nested deeper than 256 levels");
   std::string chain = "count = 0";
   for (int i = 1; i < 256; ++i) chain += " OR count = " + std::to_string(i);
   EXPECT_NE(MustParse(parser, chain), nullptr);  // 255 ors: 256 levels

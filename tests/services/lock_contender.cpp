@@ -10,7 +10,18 @@
 //     a while and removes it before unlocking: finding the marker already
 //     there means that another process holds the lock too. Prints
 //     "acquired <n> violations <v>"; exits with 1 when v > 0.
+//   lock_contender stress <directory> <owner> <marker>
+//     Takes and releases the lock until it is killed, as owner
+//     <owner> * 10000 + the number of the attempt, and reports on
+//     descriptor 3, one line per event, with CLOCK_MONOTONIC nanoseconds:
+//       acquired <pid> <lock owner> <hold milliseconds> <ns>
+//       violation <pid> <ns>     (the marker was already there)
+//       released <pid> <ns>
+//     While it holds the lock its marker holds its process id: it is
+//     linked into place, which fails when another holder's marker is
+//     there.
 #include <fcntl.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -70,6 +81,59 @@ int Contend(const char* directory, int owner, int count, const char* marker, int
   return violations == 0 ? 0 : 1;
 }
 
+long long MonotonicNanoseconds() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec;
+}
+
+// One line on descriptor 3; a pipe takes it whole (under PIPE_BUF bytes).
+void Report(const std::string& line) {
+  const std::string text = line + " " + std::to_string(MonotonicNanoseconds()) + "\n";
+  ssize_t ignored = write(3, text.data(), text.size());
+  static_cast<void>(ignored);
+}
+
+// Puts a marker holding our process id at `marker`; false when one is
+// there already.
+bool PlaceMarker(const std::string& marker) {
+  const std::string mine = marker + "." + std::to_string(getpid());
+  const int fd = open(mine.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  if (fd < 0) return false;
+  const std::string pid = std::to_string(getpid());
+  ssize_t ignored = write(fd, pid.data(), pid.size());
+  static_cast<void>(ignored);
+  close(fd);
+  const bool placed = link(mine.c_str(), marker.c_str()) == 0;
+  unlink(mine.c_str());
+  return placed;
+}
+
+int Stress(const char* directory, int owner, const std::string& marker) {
+  std::minstd_rand random(static_cast<unsigned int>(owner) * 7919u +
+                          static_cast<unsigned>(getpid()));
+  // Holds from well inside to beyond the 1.5-second heartbeat period.
+  std::uniform_int_distribution<unsigned int> holdTime(100, 2200);
+  std::uniform_int_distribution<unsigned int> pause(0, 200);
+  const std::string pid = std::to_string(getpid());
+  KORSleep(std::uniform_int_distribution<unsigned int>(0, 1000)(random));
+  for (int attempt = 0;; ++attempt) {
+    BBDLock lock;
+    const int lockOwner = owner * 10000 + attempt % 10000;
+    if (lock.Lock(directory, lockOwner) == KOR_S_OK) {
+      const unsigned int hold = holdTime(random);
+      const bool placed = PlaceMarker(marker);
+      if (!placed) Report("violation " + pid);
+      Report("acquired " + pid + " " + std::to_string(lockOwner) + " " + std::to_string(hold));
+      KORSleep(hold);
+      if (placed) unlink(marker.c_str());
+      Report("released " + pid);
+      lock.Unlock();
+    }
+    KORSleep(pause(random));
+  }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -79,6 +143,9 @@ int main(int argc, char** argv) {
   if (argc == 7 && std::strcmp(argv[1], "contend") == 0) {
     return Contend(argv[2], std::atoi(argv[3]), std::atoi(argv[4]), argv[5], std::atoi(argv[6]));
   }
-  std::fprintf(stderr, "usage: lock_contender hold|contend ...\n");
+  if (argc == 5 && std::strcmp(argv[1], "stress") == 0) {
+    return Stress(argv[2], std::atoi(argv[3]), argv[4]);
+  }
+  std::fprintf(stderr, "usage: lock_contender hold|contend|stress ...\n");
   return 2;
 }

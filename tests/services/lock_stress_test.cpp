@@ -1,0 +1,270 @@
+// Stress of the lock files: eight lock_contender processes take and
+// release the lock of one directory while the test kills holders at random
+// moments with SIGKILL, for 30 rounds (a round ends with a holder's
+// release or death). Checked:
+//   - mutual exclusion: no holder ever finds another's marker, and no
+//     process reports taking the lock while the previous holder neither
+//     released it nor died;
+//   - recovery: after a kill, some process holds the lock again within the
+//     2-second liveness wait per file the dead holder left (one, or two
+//     when it died between creating its next file and deleting its
+//     current one) plus a margin. The margin (1.5 s) covers starting the
+//     replacement contender, which begins a scan at once, the rescans of
+//     the directory, the new holder's second scan and heartbeat start and
+//     the report through the pipe, on a loaded two-core machine or under
+//     the sanitizers; a second liveness wait would exceed it.
+// The figures go to standard output for the CI log.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/temp_dir.h"
+
+extern char** environ;
+
+namespace {
+
+using idxbase_test::TempDir;
+
+constexpr int kContenders = 8;
+constexpr int kRounds = 30;
+constexpr long long kMillisecond = 1000000;  // in nanoseconds
+constexpr long long kLivenessWait = 2000 * kMillisecond;
+constexpr long long kRecoveryMargin = 1500 * kMillisecond;
+constexpr long long kEventTimeout = 30000 * kMillisecond;
+
+long long Now() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec;
+}
+
+// One line of a contender's report.
+struct Event {
+  std::string what;  // acquired, violation or released
+  pid_t pid = 0;
+  int owner = 0;     // acquired: the lock owner identifier
+  int holdMs = 0;    // acquired: how long it means to hold
+  long long at = 0;  // CLOCK_MONOTONIC nanoseconds
+};
+
+Event Parse(const std::string& line) {
+  std::istringstream in(line);
+  Event event;
+  in >> event.what >> event.pid;
+  if (event.what == "acquired") in >> event.owner >> event.holdMs;
+  in >> event.at;
+  return event;
+}
+
+// The contenders and the pipe they report on (their descriptor 3).
+class Arena {
+ public:
+  Arena() {
+    if (pipe2(pipe_, O_CLOEXEC) != 0) ADD_FAILURE() << "pipe: " << errno;
+    marker_ = dir_.Join("marker");
+  }
+  ~Arena() {
+    for (const auto& contender : contenders_) Stop(contender.first);
+    close(pipe_[0]);
+    close(pipe_[1]);
+  }
+  Arena(const Arena&) = delete;
+  Arena& operator=(const Arena&) = delete;
+
+  const std::string& marker() const { return marker_; }
+  std::string LockDir() const { return dir_.Join("lock"); }
+
+  // Starts contender number `number` (its lock owners are number * 10000
+  // + attempt).
+  void Start(int number) {
+    std::vector<std::string> arguments = {
+        idxbase_test::BuiltProgram("tests/services/lock_contender"), "stress", dir_.path(),
+        std::to_string(number), marker_};
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    const std::string log = dir_.Join("contender" + std::to_string(number) + ".log");
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, log.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    posix_spawn_file_actions_adddup2(&actions, pipe_[1], 3);
+    pid_t pid = -1;
+    if (posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0) {
+      contenders_[pid] = number;
+    } else {
+      ADD_FAILURE() << "cannot start " << argv[0];
+    }
+    posix_spawn_file_actions_destroy(&actions);
+  }
+
+  // Kills and reaps `pid`; false when it had already ended.
+  bool Stop(pid_t pid) {
+    const bool running = kill(pid, SIGKILL) == 0;
+    int status = 0;
+    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
+    }
+    return running && WIFSIGNALED(status);
+  }
+
+  // Kills the holder `pid`, removes its marker, and starts a replacement
+  // contender. Returns the number of lock files that the dead holder
+  // `owner` left.
+  int KillHolder(pid_t pid, int owner) {
+    EXPECT_TRUE(Stop(pid)) << "the holder " << pid << " had ended by itself";
+    contenders_.erase(pid);
+    int files = 0;
+    const std::string prefix = "lock." + std::to_string(owner) + ".";
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(LockDir(), ignored)) {
+      if (entry.path().filename().string().rfind(prefix, 0) == 0) ++files;
+    }
+    // Nobody can hold the lock yet: the dead holder's files stand for
+    // 2 seconds at least.
+    if (idxbase_test::ReadFile(marker_) == std::to_string(pid)) std::remove(marker_.c_str());
+    Start(++lastNumber_);
+    return files;
+  }
+
+  void StartAll() {
+    for (lastNumber_ = 1; lastNumber_ <= kContenders; ++lastNumber_) Start(lastNumber_);
+    --lastNumber_;
+  }
+
+  // The next event, waiting until `deadline` at most; false on timeout.
+  bool Next(Event& event, long long deadline) {
+    for (;;) {
+      const std::size_t end = buffer_.find('\n');
+      if (end != std::string::npos) {
+        event = Parse(buffer_.substr(0, end));
+        buffer_.erase(0, end + 1);
+        return true;
+      }
+      const long long left = deadline - Now();
+      if (left <= 0) return false;
+      pollfd reader{pipe_[0], POLLIN, 0};
+      const int ready = poll(&reader, 1, static_cast<int>(left / kMillisecond) + 1);
+      if (ready < 0 && errno == EINTR) continue;
+      if (ready <= 0) continue;
+      char chunk[4096];
+      const ssize_t got = read(pipe_[0], chunk, sizeof chunk);
+      if (got > 0) buffer_.append(chunk, static_cast<std::size_t>(got));
+    }
+  }
+
+ private:
+  TempDir dir_;
+  std::string marker_;
+  int pipe_[2] = {-1, -1};
+  std::map<pid_t, int> contenders_;  // running contenders by process id
+  int lastNumber_ = 0;
+  std::string buffer_;
+};
+
+TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
+  Arena arena;
+  arena.StartAll();
+  std::mt19937 random(20240611);
+
+  int kills = 0;
+  int acquisitions = 0;
+  int violations = 0;
+  long long maxRecovery = 0;
+  pid_t holder = 0;      // the process holding the lock, 0 when none
+  long long killedAt = 0;  // when the last holder was killed, until the next acquisition
+  long long recoveryBound = 0;
+
+  // Handles one event; a holder that appears while another still holds is
+  // a violation.
+  auto handle = [&](const Event& event) {
+    if (event.what == "violation") {
+      ++violations;
+      ADD_FAILURE() << "process " << event.pid << " found another holder's marker";
+    } else if (event.what == "acquired") {
+      ++acquisitions;
+      if (holder != 0) {
+        ++violations;
+        ADD_FAILURE() << "process " << event.pid << " took the lock while " << holder
+                      << " held it";
+      }
+      holder = event.pid;
+      if (killedAt != 0) {
+        const long long recovery = event.at - killedAt;
+        maxRecovery = std::max(maxRecovery, recovery);
+        EXPECT_LE(recovery, recoveryBound)
+            << "recovery after kill " << kills << " took " << recovery / kMillisecond << " ms";
+        killedAt = 0;
+      }
+    } else if (event.what == "released" && event.pid == holder) {
+      holder = 0;
+    }
+  };
+
+  for (int round = 1; round <= kRounds && !HasFailure(); ++round) {
+    Event event;
+    // Wait for a holder.
+    while (holder == 0) {
+      ASSERT_TRUE(arena.Next(event, Now() + kEventTimeout)) << "nobody took the lock, round "
+                                                           << round;
+      handle(event);
+      if (event.what == "acquired") break;
+    }
+    const Event acquired = event;
+    // Every other round, on average, the holder dies before it means to
+    // release, at a random moment of its hold (sometimes after a heartbeat
+    // step).
+    const bool killIt = std::uniform_int_distribution<int>(0, 1)(random) == 1 &&
+                        acquired.holdMs > 250;
+    if (!killIt) {
+      while (holder == acquired.pid) {
+        ASSERT_TRUE(arena.Next(event, Now() + kEventTimeout)) << "the holder never released";
+        handle(event);
+      }
+      continue;
+    }
+    const long long killAt =
+        acquired.at +
+        std::uniform_int_distribution<long long>(0, acquired.holdMs - 200)(random) * kMillisecond;
+    while (holder == acquired.pid && arena.Next(event, killAt)) handle(event);
+    if (holder != acquired.pid) continue;  // it released first after all
+    const long long now = Now();
+    const int deadFiles = arena.KillHolder(acquired.pid, acquired.owner);
+    ++kills;
+    holder = 0;
+    killedAt = now;
+    recoveryBound = std::max(deadFiles, 1) * kLivenessWait + kRecoveryMargin;
+  }
+  // The recovery after a kill in the last round.
+  Event event;
+  while (killedAt != 0 && !HasFailure()) {
+    ASSERT_TRUE(arena.Next(event, Now() + kEventTimeout)) << "no recovery after the last kill";
+    handle(event);
+  }
+
+  std::printf("lock stress: %d contenders, %d rounds, %d acquisitions, %d kills, "
+              "max recovery %lld ms, violations %d\n",
+              kContenders, kRounds, acquisitions, kills, maxRecovery / kMillisecond, violations);
+  std::fflush(stdout);
+  EXPECT_EQ(0, violations);
+  EXPECT_GE(kills, kRounds / 4) << "too few kills to stress recovery";
+}
+
+}  // namespace

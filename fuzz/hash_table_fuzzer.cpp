@@ -105,7 +105,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   FuzzedDataProvider input(data, size);
   Pair pairs[2];
   {
-    const int requested = input.ConsumeIntegralInRange<int>(-100, 4000);
+    const int requested = input.ConsumeIntegralInRange<int>(-100, 1000);
     const int valueSize = input.ConsumeIntegralInRange<int>(-2, 24);
     for (Pair& pair : pairs) {
       pair.table = std::make_unique<Table>(requested, valueSize);
@@ -114,7 +114,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   }
   std::uint64_t clock = 0;
-  for (int step = 0; step < 4000 && input.remaining_bytes() > 0; ++step) {
+  for (int step = 0; step < 1000 && input.remaining_bytes() > 0; ++step) {
     const int which = input.ConsumeIntegralInRange<int>(0, 1);
     Pair& pair = pairs[which];
     Pair& other = pairs[1 - which];

@@ -74,6 +74,8 @@ class Parser {
   }
   bool Enter(std::size_t offset);
 
+  bool Chain(IDX_Filter_Operator op, TokenKind symbol, const char* keyword,
+             bool (Parser::*next)(Node&), Node& node);
   bool Or(Node& node);
   bool And(Node& node);
   bool Not(Node& node);
@@ -150,28 +152,27 @@ bool Parser::Compose(IDX_Filter_Operator op, Node& first, Node second, std::size
   return true;
 }
 
-bool Parser::Or(Node& node) {
-  if (!And(node)) return false;
-  while (current_.kind == TokenKind::kBar || AtKeyword("OR")) {
+// A left-associative chain of `next` joined by `op`, spelled `symbol` or
+// `keyword`.
+bool Parser::Chain(IDX_Filter_Operator op, TokenKind symbol, const char* keyword,
+                   bool (Parser::*next)(Node&), Node& node) {
+  if (!(this->*next)(node)) return false;
+  while (current_.kind == symbol || AtKeyword(keyword)) {
     const std::size_t offset = current_.offset;
     Node right;
-    if (!Advance() || !And(right) || !Compose(IDX_Filter_Op_Or, node, std::move(right), offset)) {
+    if (!Advance() || !(this->*next)(right) || !Compose(op, node, std::move(right), offset)) {
       return false;
     }
   }
   return true;
 }
 
+bool Parser::Or(Node& node) {
+  return Chain(IDX_Filter_Op_Or, TokenKind::kBar, "OR", &Parser::And, node);
+}
+
 bool Parser::And(Node& node) {
-  if (!Not(node)) return false;
-  while (current_.kind == TokenKind::kAmpersand || AtKeyword("AND")) {
-    const std::size_t offset = current_.offset;
-    Node right;
-    if (!Advance() || !Not(right) || !Compose(IDX_Filter_Op_And, node, std::move(right), offset)) {
-      return false;
-    }
-  }
-  return true;
+  return Chain(IDX_Filter_Op_And, TokenKind::kAmpersand, "AND", &Parser::Not, node);
 }
 
 bool Parser::Not(Node& node) {

@@ -1,6 +1,7 @@
 // The evaluation functions of basic expressions and their table. Each
 // comparison reads its operands into the expression's value slots and
 // compares them; only the membership tests build a (pointer) list.
+#include "filter/fixed_operands.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 
@@ -62,11 +63,16 @@ KORTime& Basic::SlotOf<KORTime>(int position) {
 
 template <class Value>
 KORStatus Basic::Read(int position, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  Fixing& fixing = m_Fixing[position];
+  if (fixing == Fixing::kFixed) return KOR_S_OK;  // the slot holds the kept value
+  if (fixing == Fixing::kFixedFailure) return KOR_E_FAIL;
   BBDOperand* operand = m_Operand[position];
-  if (operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK) {
-    return KOR_E_FAIL;
-  }
-  return KOR_S_OK;
+  const KORStatus status =
+      operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK
+          ? KOR_E_FAIL
+          : KOR_S_OK;
+  if (fixing == Fixing::kFixable) fixing = status == KOR_S_OK ? Fixing::kFixed : Fixing::kFixedFailure;
+  return status;
 }
 
 template <class Value, class Holds>
@@ -88,19 +94,71 @@ KORStatus Basic::CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttrib
   return Decide(holds(SlotOf<Value>(0), SlotOf<Value>(1), SlotOf<Value>(2)));
 }
 
+// Integer and float elements are kept; the other types are read each time.
+template <class Value>
+std::vector<Value>* Basic::FixedSetValues() {
+  return nullptr;
+}
+template <>
+std::vector<int>* Basic::FixedSetValues<int>() {
+  return &m_FixedSetInts;
+}
+template <>
+std::vector<float>* Basic::FixedSetValues<float>() {
+  return &m_FixedSetFloats;
+}
+
+template <class Value>
+void Basic::FixSet(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
+  m_SetFixing = Fixing::kReadEachTime;
+  std::vector<Value>* values = FixedSetValues<Value>();
+  if (values == nullptr) return;
+  values->clear();
+  m_FixedSetReadable.clear();
+  const KORListPtrBBDOperand& list = m_SetElements;
+  for (int position = 1; position <= list.Size(); ++position) {
+    BBDOperand* element = list[position];
+    if (element != nullptr && !idxbase::detail::IsFixedConstant(*element)) return;
+    Value value{};
+    const bool readable = element != nullptr && Get(*element, o, c, r, value) == KOR_S_OK;
+    values->push_back(value);
+    m_FixedSetReadable.push_back(readable ? 1 : 0);
+  }
+  m_FixedSetSize = list.Size();
+  m_SetFixing = Fixing::kFixed;
+}
+
 // An element that gives no value (or is null) makes the test undecidable
 // unless an earlier element matched. The list holds pointers only: the
 // elements stay owned by the set.
 template <class Value, class Same>
 KORStatus Basic::IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Same same) {
   if (Read<Value>(0, o, c, r) != KOR_S_OK) return IDX_FILTER_UNDECIDABLE;
+  if (m_SetFixing == Fixing::kFixed) {
+    // Kept while the set has the same elements: sets only grow by Append.
+    if (static_cast<BBDOperandSet*>(m_Operand[1])->Size() == m_FixedSetSize) {
+      return FindFixedMember<Value>(same);
+    }
+    m_SetFixing = Fixing::kFixable;
+  }
   if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, m_SetElements) != KOR_S_OK) {
     m_SetElements.RemoveAll(KORCollec::KeepMemory);
     return IDX_FILTER_UNDECIDABLE;
   }
+  if (m_SetFixing == Fixing::kFixable) FixSet<Value>(o, c, r);
   const KORStatus result = FindMember<Value>(o, c, r, same);
   m_SetElements.RemoveAll(KORCollec::KeepMemory);
   return result;
+}
+
+template <class Value, class Same>
+KORStatus Basic::FindFixedMember(Same same) {
+  const std::vector<Value>& values = *FixedSetValues<Value>();
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (m_FixedSetReadable[i] == 0) return IDX_FILTER_UNDECIDABLE;
+    if (same(SlotOf<Value>(0), values[i])) return IDX_FILTER_HOLDS;
+  }
+  return IDX_FILTER_DOES_NOT;
 }
 
 template <class Value, class Same>

@@ -2,6 +2,7 @@
 // expressions; the comparisons themselves are in basic_comparisons.cpp.
 #include <cstdio>
 
+#include "filter/fixed_operands.h"
 #include "filter/operator_names.h"
 #include "filter/string_compare.h"
 #include "idxbase/filter_expressions.h"
@@ -57,6 +58,16 @@ int BBDBasicExpression::CompareLikeStrings(int lengthS, const char* s, int lengt
 }
 
 BBDExpression* BBDBasicExpression::Compile() {
+  // From now on the values of constants are read once and kept.
+  for (int position = 0; position < 3; ++position) {
+    const BBDOperand* operand = m_Operand[position];
+    m_Fixing[position] = operand != nullptr && idxbase::detail::IsFixedConstant(*operand)
+                             ? Fixing::kFixable
+                             : Fixing::kReadEachTime;
+  }
+  m_SetFixing = m_Operand[1] != nullptr && idxbase::detail::IsLibrarySet(*m_Operand[1])
+                    ? Fixing::kFixable
+                    : Fixing::kReadEachTime;
   if (m_Operand[0] == nullptr || m_Operand[1] == nullptr) {
     std::printf("Warning : null operand in BBDBasicExpression::Compile()\n");
     return this;

@@ -1,4 +1,7 @@
 // The NA operand and the integer, float, boolean and time constants.
+#include <typeinfo>
+
+#include "filter/fixed_operands.h"
 #include "idxbase/filter_operands.h"
 
 IDX_Filter_OperandType BBDNAOperand::GetOperandType() { return IDX_Filter_Operand_Constant; }
@@ -46,3 +49,15 @@ KORStatus BBDOperandTimeConst::GetValTime(const BBDOccurrence&, unsigned int, BB
   return KOR_S_OK;
 }
 void BBDOperandTimeConst::toString(KORUnicodeString& text) { text = "time unsupported"; }
+
+namespace idxbase::detail {
+
+bool IsFixedConstant(const BBDOperand& operand) {
+  const std::type_info& type = typeid(operand);
+  return type == typeid(BBDOperandIntConst) || type == typeid(BBDOperandFloatConst) ||
+         type == typeid(BBDOperandBooleanConst) || type == typeid(BBDOperandTimeConst);
+}
+
+bool IsLibrarySet(const BBDOperand& operand) { return typeid(operand) == typeid(BBDOperandSet); }
+
+}  // namespace idxbase::detail

@@ -6,6 +6,7 @@
 #define IDXBASE_FILTER_EXPRESSIONS_H_
 
 #include <memory>
+#include <vector>
 
 #include "idxbase/export.h"
 #include "idxbase/filter_operands.h"
@@ -81,6 +82,12 @@ class IDXBASE_API BBDExpression {
 //
 // Owns its operands (any may be null). Evaluation writes into the
 // expression (its value slots) and into the process-wide case switch.
+//
+// Once compiled, the expression keeps what the library's own integer,
+// float, boolean and time constants give at their first read, and the
+// element values of a set of them, since those never change: later
+// evaluations use the kept values instead of calling the operands again.
+// A set that has grown or shrunk since is read again.
 class IDXBASE_API BBDBasicExpression : public BBDExpression {
  public:
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second);
@@ -179,6 +186,21 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   KORStatus EvalNotLikeString(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
   KORStatus EvalUnsupported(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
 
+  // How an operand position (or the set) is read: at every evaluation;
+  // at the next one, keeping the result (a constant, after Compile); or
+  // not any more, its value (or failure) being kept.
+  enum class Fixing : unsigned char { kReadEachTime, kFixable, kFixed, kFixedFailure };
+  // The kept element values of type Value, or null for a type whose
+  // elements are always read.
+  template <class Value>
+  IDXBASE_LOCAL std::vector<Value>* FixedSetValues();
+  // Keeps the values of the set's elements just read into m_SetElements
+  // when all are the library's constants (or null).
+  template <class Value>
+  IDXBASE_LOCAL void FixSet(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r);
+  template <class Value, class Same>
+  IDXBASE_LOCAL KORStatus FindFixedMember(Same same);
+
   BBDOperand* m_Operand[3];                // first, second, third
   std::shared_ptr<BBDOperand> m_Owner[3];  // the same, shared by copies
   // Value slots, one of each kind per operand position.
@@ -191,6 +213,12 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   // evaluations (emptied) so that its storage is reused.
   KORListPtrBBDOperand m_SetElements;
   EvalFunction m_EvalFunction;
+  Fixing m_Fixing[3] = {Fixing::kReadEachTime, Fixing::kReadEachTime, Fixing::kReadEachTime};
+  Fixing m_SetFixing = Fixing::kReadEachTime;
+  int m_FixedSetSize = 0;
+  std::vector<unsigned char> m_FixedSetReadable;  // per element: 1 when it gave a value
+  std::vector<int> m_FixedSetInts;
+  std::vector<float> m_FixedSetFloats;
 };
 
 // A logical not of one expression, or an or / and of two, with the

@@ -187,6 +187,43 @@ TEST_F(BasicExpressionTest, MembershipStopsAtTheFirstMatch) {
   EXPECT_EQ(0, late.reads);
 }
 
+// Compiled expressions keep the values of the library's constants; what
+// can change is still read at every evaluation.
+TEST_F(BasicExpressionTest, CompiledConstantsAreKeptButChangingOperandsAreRead) {
+  // An operand of a caller's class is read each time, even if it says it
+  // is a constant.
+  Probe subject;
+  BBDExpression* e = new BBDBasicExpression(IDX_Filter_Op_BetweenInt, new ProbeOperand(subject, 5),
+                                            new BBDOperandIntConst(1), new BBDOperandIntConst(9));
+  BBDExpression::Compile(e);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(H, Eval(*e));
+  EXPECT_EQ(3, subject.reads);
+  delete e;
+
+  // A set that grows after compiling is read again, whole.
+  Probe member;
+  auto* set = new BBDOperandSet(new BBDOperandIntConst(1));
+  e = new BBDBasicExpression(IDX_Filter_Op_InInt, new BBDOperandIntConst(4), set);
+  BBDExpression::Compile(e);
+  EXPECT_EQ(D, Eval(*e));
+  EXPECT_EQ(D, Eval(*e));
+  set->Append(new ProbeOperand(member, 4));
+  EXPECT_EQ(H, Eval(*e));
+  EXPECT_EQ(H, Eval(*e));
+  EXPECT_EQ(2, member.reads);  // a caller's element keeps being read
+
+  // Kept elements keep their order and their failures.
+  auto* floats = new BBDOperandSet(new BBDOperandFloatConst(2.0f));
+  floats->Append(nullptr);
+  floats->Append(new BBDOperandFloatConst(4.0f));
+  BBDExpression* f =
+      new BBDBasicExpression(IDX_Filter_Op_InFloat, new BBDOperandFloatConst(4.0f), floats);
+  BBDExpression::Compile(f);
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(U, Eval(*f));  // the null element comes first
+  delete f;
+  delete e;
+}
+
 TEST_F(BasicExpressionTest, OperatorsWithoutEvaluationPrintAndAreUndecidable) {
   for (int op : {0, 1, 2, 22, 32, -1, 42, 99}) {
     Probe probe;

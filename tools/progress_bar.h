@@ -23,6 +23,8 @@ class ProgressBar {
 
   // Counts `bytes` more done.
   void Advance(std::uint64_t bytes);
+  // True when the bar is drawn.
+  bool active() const { return active_; }
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -51,6 +51,24 @@ TEST_F(ChecksumCommand, VerifiesAcrossReadBlocksWhatTheLibraryWrote) {
   EXPECT_THAT(run.output, HasSubstr("2 files, 2.50 MiB in "));
 }
 
+// On a terminal a large file is digested by the tool, with a progress bar;
+// the checksum file must be the one the library writes without a terminal.
+TEST_F(ChecksumCommand, OnATerminalLargeFilesShowProgressAndWriteTheLibrarysChecksum) {
+  std::string content(std::size_t{64} << 20, '\0');
+  for (std::size_t i = 0; i < content.size(); i += 4096) content[i] = static_cast<char>(i >> 12);
+  const std::string onTerminal = WriteData("terminal.bin", content);
+  const std::string plain = WriteData("plain.bin", content);
+  // script(1) gives the tool a pseudo-terminal for its standard error.
+  const ChildResult run = RunChild(
+      {"/usr/bin/script", "-qec", BuiltProgram("tools/idxbase") + " checksum " + onTerminal, "/dev/null"},
+      {{"PATH", "/usr/bin:/bin"}});
+  ASSERT_EQ(0, run.exitCode) << run.output;
+  EXPECT_THAT(run.output, HasSubstr("terminal.bin ["));  // the bar was drawn
+  ASSERT_EQ(0, RunTool({"checksum", "--quiet", plain}).exitCode);
+  EXPECT_EQ(ReadFile(plain + ".checksum").size(), 32u);
+  EXPECT_EQ(ReadFile(onTerminal + ".checksum"), ReadFile(plain + ".checksum"));
+}
+
 TEST_F(ChecksumCommand, CheckAcceptsLowerCaseAndALineEnd) {
   const std::string abc = WriteData("abc", "abc");
   WriteFile(abc + ".checksum", "900150983cd24fb0d6963f7d28e17f72\n");

@@ -68,10 +68,10 @@ KORStatus Basic::Read(int position, const BBDOccurrence& o, unsigned int c, BBDI
   if (fixing == Fixing::kFixedFailure) return KOR_E_FAIL;
   BBDOperand* operand = m_Operand[position];
   const KORStatus status =
-      operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK
-          ? KOR_E_FAIL
-          : KOR_S_OK;
-  if (fixing == Fixing::kFixable) fixing = status == KOR_S_OK ? Fixing::kFixed : Fixing::kFixedFailure;
+      operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK ? KOR_E_FAIL
+                                                                                        : KOR_S_OK;
+  if (fixing == Fixing::kFixable)
+    fixing = status == KOR_S_OK ? Fixing::kFixed : Fixing::kFixedFailure;
   return status;
 }
 
@@ -124,7 +124,6 @@ void Basic::FixSet(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r)
     values->push_back(value);
     m_FixedSetReadable.push_back(readable ? 1 : 0);
   }
-  m_FixedSetSize = list.Size();
   m_SetFixing = Fixing::kFixed;
 }
 
@@ -136,7 +135,8 @@ KORStatus Basic::IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeR
   if (Read<Value>(0, o, c, r) != KOR_S_OK) return IDX_FILTER_UNDECIDABLE;
   if (m_SetFixing == Fixing::kFixed) {
     // Kept while the set has the same elements: sets only grow by Append.
-    if (static_cast<BBDOperandSet*>(m_Operand[1])->Size() == m_FixedSetSize) {
+    const auto* set = static_cast<const BBDOperandSet*>(m_Operand[1]);
+    if (static_cast<std::size_t>(set->Size()) == m_FixedSetReadable.size()) {
       return FindFixedMember<Value>(same);
     }
     m_SetFixing = Fixing::kFixable;

@@ -14,7 +14,12 @@ bool IsWordChar(char c) { return IsWordStart(c) || IsDigit(c); }
 // or the byte in hexadecimal when it is a control or not valid UTF-8.
 std::string Shown(std::string_view text) {
   const unsigned char lead = static_cast<unsigned char>(text[0]);
-  const std::size_t length = lead < 0x80 ? 1 : lead >= 0xF5 ? 0 : lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : lead >= 0xC2 ? 2 : 0;
+  const std::size_t length = lead < 0x80    ? 1
+                             : lead >= 0xF5 ? 0
+                             : lead >= 0xF0 ? 4
+                             : lead >= 0xE0 ? 3
+                             : lead >= 0xC2 ? 2
+                                            : 0;
   bool valid = length > 0 && length <= text.size() && (lead >= 0x20 && lead != 0x7F);
   for (std::size_t i = 1; valid && i < length; ++i) {
     valid = (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
@@ -62,29 +67,42 @@ Token Lexer::Next() {
   const char c = text_[begin];
   const char next = begin + 1 < text_.size() ? text_[begin + 1] : '\0';
   switch (c) {
-    case '(': return Make(TokenKind::kOpenParen, begin, begin + 1);
-    case ')': return Make(TokenKind::kCloseParen, begin, begin + 1);
-    case '{': return Make(TokenKind::kOpenBrace, begin, begin + 1);
-    case '}': return Make(TokenKind::kCloseBrace, begin, begin + 1);
-    case ',': return Make(TokenKind::kComma, begin, begin + 1);
-    case '&': return Make(TokenKind::kAmpersand, begin, begin + 1);
-    case '|': return Make(TokenKind::kBar, begin, begin + 1);
-    case '=': return Make(TokenKind::kCompare, begin, begin + 1);
+    case '(':
+      return Make(TokenKind::kOpenParen, begin, begin + 1);
+    case ')':
+      return Make(TokenKind::kCloseParen, begin, begin + 1);
+    case '{':
+      return Make(TokenKind::kOpenBrace, begin, begin + 1);
+    case '}':
+      return Make(TokenKind::kCloseBrace, begin, begin + 1);
+    case ',':
+      return Make(TokenKind::kComma, begin, begin + 1);
+    case '&':
+      return Make(TokenKind::kAmpersand, begin, begin + 1);
+    case '|':
+      return Make(TokenKind::kBar, begin, begin + 1);
+    case '=':
+      return Make(TokenKind::kCompare, begin, begin + 1);
     case '!':
       return next == '=' ? Make(TokenKind::kCompare, begin, begin + 2)
                          : Make(TokenKind::kBang, begin, begin + 1);
     case '<':
       return Make(TokenKind::kCompare, begin, begin + (next == '=' || next == '>' ? 2 : 1));
-    case '>': return Make(TokenKind::kCompare, begin, begin + (next == '=' ? 2 : 1));
+    case '>':
+      return Make(TokenKind::kCompare, begin, begin + (next == '=' ? 2 : 1));
     case '"':
-    case '\'': return Quoted(begin);
-    case '@': return Word(begin, TokenKind::kTime);
+    case '\'':
+      return Quoted(begin);
+    case '@':
+      return Word(begin, TokenKind::kTime);
     case '$':
       if (!IsWordStart(next)) return Error(begin, "expected a variable name after '$'");
       return Word(begin, TokenKind::kVariable);
-    default: break;
+    default:
+      break;
   }
-  if (IsDigit(c) || ((c == '-' || c == '.') && (IsDigit(next) || next == '.'))) return Number(begin);
+  if (IsDigit(c) || ((c == '-' || c == '.') && (IsDigit(next) || next == '.')))
+    return Number(begin);
   if (IsWordStart(c)) return Word(begin, TokenKind::kName);
   return Error(begin, "unexpected character " + Shown(text_.substr(begin)));
 }
@@ -96,11 +114,16 @@ Token Lexer::Number(std::size_t begin) {
   if (text_[end] == '-') ++end;
   bool isFloat = false;
   std::size_t digits = 0;
-  while (end < text_.size() && IsDigit(text_[end])) ++end, ++digits;
+  const auto skipDigits = [&] {
+    const std::size_t start = end;
+    while (end < text_.size() && IsDigit(text_[end])) ++end;
+    digits += end - start;
+  };
+  skipDigits();
   if (end < text_.size() && text_[end] == '.') {
     isFloat = true;
     ++end;
-    while (end < text_.size() && IsDigit(text_[end])) ++end, ++digits;
+    skipDigits();
   }
   if (digits == 0) return Error(begin, "malformed number");
   if (end < text_.size() && (text_[end] == 'e' || text_[end] == 'E')) {

@@ -215,8 +215,9 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   EvalFunction m_EvalFunction;
   Fixing m_Fixing[3] = {Fixing::kReadEachTime, Fixing::kReadEachTime, Fixing::kReadEachTime};
   Fixing m_SetFixing = Fixing::kReadEachTime;
-  int m_FixedSetSize = 0;
-  std::vector<unsigned char> m_FixedSetReadable;  // per element: 1 when it gave a value
+  // Per kept element: 1 when it gave a value; its size is the set's size
+  // when kept.
+  std::vector<unsigned char> m_FixedSetReadable;
   std::vector<int> m_FixedSetInts;
   std::vector<float> m_FixedSetFloats;
 };

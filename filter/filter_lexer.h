@@ -10,22 +10,22 @@ namespace idxbase::detail {
 
 enum class TokenKind {
   kEnd,
-  kError,       // `value` holds the message
+  kError,  // `value` holds the message
   kOpenParen,
   kCloseParen,
   kOpenBrace,
   kCloseBrace,
   kComma,
-  kCompare,     // = <> != < <= > >=
-  kBang,        // !
-  kAmpersand,   // &
-  kBar,         // |
+  kCompare,    // = <> != < <= > >=
+  kBang,       // !
+  kAmpersand,  // &
+  kBar,        // |
   kInteger,
   kFloat,
-  kString,      // `value` holds the unquoted bytes
-  kTime,        // `text` is the whole "@..." literal
-  kName,        // letters, digits, "_" and "." (keywords too)
-  kVariable,    // `text` is "$name"
+  kString,    // `value` holds the unquoted bytes
+  kTime,      // `text` is the whole "@..." literal
+  kName,      // letters, digits, "_" and "." (keywords too)
+  kVariable,  // `text` is "$name"
 };
 
 struct Token {

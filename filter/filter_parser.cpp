@@ -29,10 +29,9 @@ struct Node {
   bool isNull = false;
 };
 
-constexpr const char* kReserved[] = {"AND",         "OR",   "NOT",         "BETWEEN",
-                                     "IN",          "LIKE", "NOT_LIKE",    "true",
-                                     "false",       "NULL", "NAExpression", "NAOperand",
-                                     "NullOperand"};
+constexpr const char* kReserved[] = {"AND",          "OR",        "NOT",        "BETWEEN", "IN",
+                                     "LIKE",         "NOT_LIKE",  "true",       "false",   "NULL",
+                                     "NAExpression", "NAOperand", "NullOperand"};
 
 // Fills in the line, the column (in characters) and the line's text of
 // byte `offset`.
@@ -119,8 +118,8 @@ bool Parser::Advance() {
 // to two of them per level, which stays well within the bound.
 bool Parser::Enter(std::size_t offset) {
   if (++nesting_ > kMaxTextNesting) {
-    return Fail(offset, "more than " + std::to_string(kMaxTextNesting) +
-                            " parentheses and NOTs nested");
+    return Fail(offset,
+                "more than " + std::to_string(kMaxTextNesting) + " parentheses and NOTs nested");
   }
   return true;
 }
@@ -142,8 +141,8 @@ std::unique_ptr<BBDExpression> Parser::Filter() {
 bool Parser::Compose(IDX_Filter_Operator op, Node& first, Node second, std::size_t offset) {
   const int depth = 1 + std::max(first.depth, second.depth);
   if (depth > BBDFilterParser::kMaxDepth) {
-    return Fail(offset, "filter nested deeper than " +
-                            std::to_string(BBDFilterParser::kMaxDepth) + " levels");
+    return Fail(offset, "filter nested deeper than " + std::to_string(BBDFilterParser::kMaxDepth) +
+                            " levels");
   }
   first.expression = std::make_unique<BBDComposedExpression>(op, first.expression.release(),
                                                              second.expression.release());
@@ -216,9 +215,9 @@ bool Parser::Comparison(Node& node) {
   const Token op = current_;
   if (op.kind == TokenKind::kCompare) {
     static const std::pair<std::string_view, CompareKind> kSpellings[] = {
-        {"=", CompareKind::kEqual},    {"<>", CompareKind::kDifferent},
+        {"=", CompareKind::kEqual},      {"<>", CompareKind::kDifferent},
         {"!=", CompareKind::kDifferent}, {"<", CompareKind::kLower},
-        {"<=", CompareKind::kLowerEq}, {">", CompareKind::kHigher},
+        {"<=", CompareKind::kLowerEq},   {">", CompareKind::kHigher},
         {">=", CompareKind::kHigherEq}};
     CompareKind kind = CompareKind::kEqual;
     for (const auto& spelling : kSpellings) {
@@ -252,8 +251,10 @@ bool Parser::Comparison(Node& node) {
     for (ParsedOperand& element : elements) operands.push_back(&element);
     return Build(CompareKind::kIn, std::move(operands), op.offset, node);
   }
-  return Fail(op.offset, "expected a comparison (=, <>, <, <=, >, >=, BETWEEN, IN, LIKE, "
-                         "NOT_LIKE) after '" + std::string(subject.text) + "'");
+  return Fail(op.offset,
+              "expected a comparison (=, <>, <, <=, >, >=, BETWEEN, IN, LIKE, "
+              "NOT_LIKE) after '" +
+                  std::string(subject.text) + "'");
 }
 
 bool Parser::SetElements(std::vector<ParsedOperand>& elements) {
@@ -347,8 +348,10 @@ bool Parser::Operand(ParsedOperand& operand) {
     case TokenKind::kName:
       if (!NameOperand(operand)) return false;
       break;
-    case TokenKind::kEnd: return Fail(operand.offset, "expected an operand, found the end of the filter");
-    default: return Fail(operand.offset, "expected an operand, found '" + std::string(text) + "'");
+    case TokenKind::kEnd:
+      return Fail(operand.offset, "expected an operand, found the end of the filter");
+    default:
+      return Fail(operand.offset, "expected an operand, found '" + std::string(text) + "'");
   }
   return Advance();
 }
@@ -379,7 +382,8 @@ bool Parser::NameOperand(ParsedOperand& operand) {
     case IDX_Filter_Type_String:
     case IDX_Filter_Type_Float:
     case IDX_Filter_Type_Boolean:
-    case IDX_Filter_Type_Time: break;
+    case IDX_Filter_Type_Time:
+      break;
     default:
       return Fail(operand.offset, "attribute '" + std::string(text) + "' has no comparable type");
   }

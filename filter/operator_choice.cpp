@@ -29,17 +29,23 @@ constexpr int kOperators[10][5] = {
     {kNone, IDX_Filter_Op_NotLikeString, kNone, kNone, kNone},
 };
 
-constexpr const char* kKindNames[10] = {"=",       "<>", "<",  "<=",   ">",
-                                        ">=",      "BETWEEN", "IN", "LIKE", "NOT_LIKE"};
+constexpr const char* kKindNames[10] = {"=",  "<>",      "<",  "<=",   ">",
+                                        ">=", "BETWEEN", "IN", "LIKE", "NOT_LIKE"};
 
 int Column(IDX_Filter_ValueType type) {
   switch (type) {
-    case IDX_Filter_Type_Int: return 0;
-    case IDX_Filter_Type_String: return 1;
-    case IDX_Filter_Type_Float: return 2;
-    case IDX_Filter_Type_Boolean: return 3;
-    case IDX_Filter_Type_Time: return 4;
-    default: return kNone;
+    case IDX_Filter_Type_Int:
+      return 0;
+    case IDX_Filter_Type_String:
+      return 1;
+    case IDX_Filter_Type_Float:
+      return 2;
+    case IDX_Filter_Type_Boolean:
+      return 3;
+    case IDX_Filter_Type_Time:
+      return 4;
+    default:
+      return kNone;
   }
 }
 
@@ -73,7 +79,8 @@ OperatorChoice ChooseOperator(CompareKind kind, const std::vector<ParsedOperand*
   for (ParsedOperand* operand : operands) {
     if (!operand->typed || operand->type == type) continue;
     if (type == IDX_Filter_Type_Float && operand->isIntConstant) {
-      operand->operand = std::make_unique<BBDOperandFloatConst>(static_cast<float>(operand->intValue));
+      operand->operand =
+          std::make_unique<BBDOperandFloatConst>(static_cast<float>(operand->intValue));
       operand->type = IDX_Filter_Type_Float;
       continue;
     }

@@ -12,8 +12,7 @@ KORUnicodeString& Lvalue(KORUnicodeString&& text) { return text; }
 }  // namespace
 
 ResolvedAttribute::ResolvedAttribute(const BBDFilterAttribute& attribute)
-    : BBDOperandAttribute(Text(attribute.typeName),
-                          Lvalue(Text(attribute.attributeName)),
+    : BBDOperandAttribute(Text(attribute.typeName), Lvalue(Text(attribute.attributeName)),
                           attribute.valueType),
       m_Resolved(attribute.pair) {}
 

@@ -41,7 +41,8 @@ bool Split(std::string_view t, std::vector<ModelRecord>& records) {
     ModelRecord record;
     ModelField field;
     for (;;) {
-      const bool recordEnd = i == n || t[i] == '\n' || (t[i] == '\r' && i + 1 < n && t[i + 1] == '\n');
+      const bool recordEnd =
+          i == n || t[i] == '\n' || (t[i] == '\r' && i + 1 < n && t[i + 1] == '\n');
       if (recordEnd || t[i] == ',') {
         record.push_back(field);
         field = ModelField();
@@ -98,9 +99,11 @@ bool ModelFloat(const std::string& s, float& value) {
   std::size_t i = s[0] == '-' ? 1 : 0;
   std::size_t mantissaDigits = 0;
   bool nonzero = false;
-  for (; i < s.size() && std::isdigit(static_cast<unsigned char>(s[i])); ++i, ++mantissaDigits) nonzero |= s[i] != '0';
+  for (; i < s.size() && std::isdigit(static_cast<unsigned char>(s[i])); ++i, ++mantissaDigits)
+    nonzero |= s[i] != '0';
   if (i < s.size() && s[i] == '.') {
-    for (++i; i < s.size() && std::isdigit(static_cast<unsigned char>(s[i])); ++i, ++mantissaDigits) nonzero |= s[i] != '0';
+    for (++i; i < s.size() && std::isdigit(static_cast<unsigned char>(s[i])); ++i, ++mantissaDigits)
+      nonzero |= s[i] != '0';
   }
   if (mantissaDigits == 0) return false;
   if (i < s.size() && (s[i] == 'e' || s[i] == 'E')) {
@@ -170,7 +173,8 @@ bool ModelAccepts(const std::vector<ModelRecord>& records, const idxbase_tool::R
     if (colon == std::string::npos) return false;
     const std::string name = field.text.substr(0, colon);
     const std::string type = field.text.substr(colon + 1);
-    if (type != "string" && type != "int" && type != "float" && type != "bool" && type != "time") return false;
+    if (type != "string" && type != "int" && type != "float" && type != "bool" && type != "time")
+      return false;
     if (!IsName(name) || !names.insert(name).second) return false;
     types.push_back(type);
   }
@@ -178,7 +182,8 @@ bool ModelAccepts(const std::vector<ModelRecord>& records, const idxbase_tool::R
     if (records[row].size() != types.size()) return false;
     for (std::size_t c = 0; c < types.size(); ++c) {
       const ModelField& f = records[row][c];
-      const idxbase_tool::TableColumn* column = table ? &table->column(static_cast<int>(c)) : nullptr;
+      const idxbase_tool::TableColumn* column =
+          table ? &table->column(static_cast<int>(c)) : nullptr;
       const std::size_t r = row - 1;
       const bool missing = f.text.empty() && !(f.quoted && types[c] == "string");
       if (missing) {
@@ -235,7 +240,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t row = 0; row < raw.records.size(); ++row) {
     std::vector<ModelRecord> again;
     Check(Split(raw.records[row], again) && again.size() <= 1, "a record's text does not split");
-    if (!again.empty()) Check(again[0].size() == records[row + 1].size(), "a record's text splits differently");
+    if (!again.empty())
+      Check(again[0].size() == records[row + 1].size(), "a record's text splits differently");
   }
   return 0;
 }

@@ -61,7 +61,9 @@ std::string Render(BBDExpression& expression) {
 // string holding a double quote renders ambiguously: their renderings are
 // not expected to read back.
 bool MayRenderUnreadably(std::string_view text) {
-  const auto has = [text](std::string_view what) { return text.find(what) != std::string_view::npos; };
+  const auto has = [text](std::string_view what) {
+    return text.find(what) != std::string_view::npos;
+  };
   return has("{") || has("$") || has("@") || has("\"\"") || (has("'") && has("\""));
 }
 

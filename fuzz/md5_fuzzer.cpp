@@ -40,9 +40,10 @@ Digest OneShot(const std::vector<unsigned char>& message) {
 Digest OpenSslOneShot(const std::vector<unsigned char>& message) {
   Digest digest;
   unsigned int length = 0;
-  Check(EVP_Digest(message.data(), message.size(), digest.bytes, &length, EVP_md5(), nullptr) == 1 &&
-            length == 16,
-        "OpenSSL's MD5 failed");
+  Check(
+      EVP_Digest(message.data(), message.size(), digest.bytes, &length, EVP_md5(), nullptr) == 1 &&
+          length == 16,
+      "OpenSSL's MD5 failed");
   return digest;
 }
 

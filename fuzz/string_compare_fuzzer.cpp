@@ -67,18 +67,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   using idxbase::detail::CompareLikeStrings;
   using idxbase::detail::CompareStrings;
-  const int order = CompareStrings(caseSensitive, a.length, a.bytes.chars(), b.length,
-                                   b.bytes.chars());
-  Check(order == ModelCompare(caseSensitive, a.length, a.bytes.chars(), b.length,
-                              b.bytes.chars()),
+  const int order =
+      CompareStrings(caseSensitive, a.length, a.bytes.chars(), b.length, b.bytes.chars());
+  Check(order == ModelCompare(caseSensitive, a.length, a.bytes.chars(), b.length, b.bytes.chars()),
         "CompareStrings differs from the model");
-  Check(-order == CompareStrings(caseSensitive, b.length, b.bytes.chars(), a.length,
-                                 a.bytes.chars()),
-        "CompareStrings is not antisymmetric");
+  Check(
+      -order == CompareStrings(caseSensitive, b.length, b.bytes.chars(), a.length, a.bytes.chars()),
+      "CompareStrings is not antisymmetric");
 
   // The first string is the subject, the second the pattern.
-  const int like = CompareLikeStrings(caseSensitive, a.length, a.bytes.chars(), b.length,
-                                      b.bytes.chars());
+  const int like =
+      CompareLikeStrings(caseSensitive, a.length, a.bytes.chars(), b.length, b.bytes.chars());
   Check(like == idxbase_test::ReferenceLike(caseSensitive, a.length, a.bytes.chars(), b.length,
                                             b.bytes.chars()),
         "CompareLikeStrings differs from the model");

@@ -30,7 +30,8 @@ bool ReadTruth(const DevFlag& flag) {
 }
 
 std::int32_t ReadNumber(const DevFlag& flag) {
-  return idxbase::detail::ReadNumber(flag.variable, static_cast<std::int32_t>(flag.fallback.number));
+  return idxbase::detail::ReadNumber(flag.variable,
+                                     static_cast<std::int32_t>(flag.fallback.number));
 }
 
 // Unsigned members take the 32-bit result as it stands; a number of

@@ -23,9 +23,9 @@ __attribute__((format(printf, 2, 0))) void WriteMessage(const char* command, con
   std::fputc('\n', stderr);
 }
 
-const OptionSpec* FindOption(std::initializer_list<OptionSpec> specs, std::string_view name) {
-  for (const OptionSpec& spec : specs) {
-    if (name == spec.name) return &spec;
+const KnownOption* FindOption(std::initializer_list<KnownOption> known, std::string_view name) {
+  for (const KnownOption& option : known) {
+    if (name == option.name) return &option;
   }
   return nullptr;
 }
@@ -50,7 +50,7 @@ const char* ParsedArguments::Value(const char* name) const {
 }
 
 bool ParseArguments(const CommandHelp& help, int argc, char** argv,
-                    std::initializer_list<OptionSpec> specs, ParsedArguments& out) {
+                    std::initializer_list<KnownOption> known, ParsedArguments& out) {
   for (int i = 0; i < argc; ++i) {
     const std::string_view argument = argv[i];
     if (argument == "--") {
@@ -67,19 +67,19 @@ bool ParseArguments(const CommandHelp& help, int argc, char** argv,
       continue;
     }
     const std::size_t equals = argument.find('=');
-    const OptionSpec* spec = FindOption(specs, argument.substr(0, equals));
-    if (spec == nullptr || (equals != std::string_view::npos && !spec->takesValue)) {
+    const KnownOption* option = FindOption(known, argument.substr(0, equals));
+    if (option == nullptr || (equals != std::string_view::npos && !option->takesValue)) {
       UsageError(help, "unknown option '%s'", argv[i]);
       return false;
     }
-    if (!spec->takesValue) {
-      out.options.emplace_back(spec->name, "");
+    if (!option->takesValue) {
+      out.options.emplace_back(option->name, "");
     } else if (equals != std::string_view::npos) {
-      out.options.emplace_back(spec->name, std::string(argument.substr(equals + 1)));
+      out.options.emplace_back(option->name, std::string(argument.substr(equals + 1)));
     } else if (i + 1 < argc) {
-      out.options.emplace_back(spec->name, argv[++i]);
+      out.options.emplace_back(option->name, argv[++i]);
     } else {
-      UsageError(help, "option '%s' needs a value", spec->name);
+      UsageError(help, "option '%s' needs a value", option->name);
       return false;
     }
   }
@@ -124,7 +124,8 @@ bool ParseInt(const char* text, int& value) {
   errno = 0;
   const long parsed = std::strtol(text, &end, 10);
   if (errno != 0 || *end != '\0' || parsed < std::numeric_limits<int>::min() ||
-      parsed > std::numeric_limits<int>::max()) return false;
+      parsed > std::numeric_limits<int>::max())
+    return false;
   value = static_cast<int>(parsed);
   return true;
 }

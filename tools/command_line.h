@@ -26,14 +26,14 @@ struct CommandHelp {
 
 // An option a command accepts: "--owner" with a value ("--owner 5" or
 // "--owner=5"), or a flag such as "--quiet".
-struct OptionSpec {
+struct KnownOption {
   const char* name;
   bool takesValue;
 };
 
 // A command's arguments, sorted out by ParseArguments.
 struct ParsedArguments {
-  bool help = false;                                        // "--help" or "-h" was given
+  bool help = false;                                         // "--help" or "-h" was given
   std::vector<std::pair<std::string, std::string>> options;  // in the order given
   std::vector<char*> operands;
   bool sawSeparator = false;  // "--" was given
@@ -45,11 +45,11 @@ struct ParsedArguments {
 };
 
 // Sorts `argv` (the arguments after the command's name) into options of
-// `specs`, operands and the arguments after "--". Returns false, after
+// `known`, operands and the arguments after "--". Returns false, after
 // reporting the problem as a usage error, for an unknown option or an
 // option without its value.
 [[nodiscard]] bool ParseArguments(const CommandHelp& help, int argc, char** argv,
-                                  std::initializer_list<OptionSpec> specs, ParsedArguments& out);
+                                  std::initializer_list<KnownOption> known, ParsedArguments& out);
 
 // Writes the full help text to standard output; returns kExitSuccess.
 int PrintHelp(const CommandHelp& help);

@@ -39,7 +39,8 @@ class CsvCursor {
         continue;
       }
       const char c = pos_ < text_.size() ? text_[pos_] : '\n';
-      if (c == ',' || c == '\n' || (c == '\r' && pos_ + 1 < text_.size() && text_[pos_ + 1] == '\n')) {
+      if (c == ',' || c == '\n' ||
+          (c == '\r' && pos_ + 1 < text_.size() && text_[pos_ + 1] == '\n')) {
         fields.push_back(std::move(field));
         field = Field();
         if (c == ',') {
@@ -92,7 +93,8 @@ class CsvCursor {
 bool IsName(const std::string& name) {
   if (name.empty() || (name[0] >= '0' && name[0] <= '9')) return false;
   for (const char c : name) {
-    const bool word = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    const bool word =
+        (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
     if (!word) return false;
   }
   return true;
@@ -100,8 +102,10 @@ bool IsName(const std::string& name) {
 
 bool TypeOf(std::string_view name, IDX_Filter_ValueType& type) {
   static const std::pair<std::string_view, IDX_Filter_ValueType> kTypes[] = {
-      {"string", IDX_Filter_Type_String}, {"int", IDX_Filter_Type_Int},
-      {"float", IDX_Filter_Type_Float},   {"bool", IDX_Filter_Type_Boolean},
+      {"string", IDX_Filter_Type_String},
+      {"int", IDX_Filter_Type_Int},
+      {"float", IDX_Filter_Type_Float},
+      {"bool", IDX_Filter_Type_Boolean},
       {"time", IDX_Filter_Type_Time}};
   for (const auto& known : kTypes) {
     if (known.first == name) {
@@ -117,7 +121,8 @@ bool ReadHeader(const std::vector<Field>& fields, RecordTable& table, CsvError& 
     const std::size_t colon = field.text.rfind(':');
     const std::string name = field.text.substr(0, colon);
     IDX_Filter_ValueType type = IDX_Filter_Type_NA;
-    if (colon == std::string::npos || !TypeOf(std::string_view(field.text).substr(colon + 1), type)) {
+    if (colon == std::string::npos ||
+        !TypeOf(std::string_view(field.text).substr(colon + 1), type)) {
       error.message = "header field '" + field.text +
                       "' needs a type: name:string, name:int, name:float, name:bool or name:time";
       return false;
@@ -143,7 +148,9 @@ bool Append(const Field& field, TableColumn& column) {
   }
   const char* end = text.data() + text.size();
   switch (column.type) {
-    case IDX_Filter_Type_String: column.AppendString(text); return true;
+    case IDX_Filter_Type_String:
+      column.AppendString(text);
+      return true;
     case IDX_Filter_Type_Int: {
       int value = 0;
       const auto result = std::from_chars(text.data(), end, value);
@@ -159,9 +166,12 @@ bool Append(const Field& field, TableColumn& column) {
       return true;
     }
     case IDX_Filter_Type_Boolean:
-      if (text == "true" || text == "1") column.AppendBool(true);
-      else if (text == "false" || text == "0") column.AppendBool(false);
-      else return false;
+      if (text == "true" || text == "1")
+        column.AppendBool(true);
+      else if (text == "false" || text == "0")
+        column.AppendBool(false);
+      else
+        return false;
       return true;
     default: {
       KORTime time = KORTime::FromEpochSeconds(0);
@@ -174,11 +184,16 @@ bool Append(const Field& field, TableColumn& column) {
 
 const char* TypeWord(IDX_Filter_ValueType type) {
   switch (type) {
-    case IDX_Filter_Type_String: return "a string";
-    case IDX_Filter_Type_Float: return "a finite float";
-    case IDX_Filter_Type_Boolean: return "a bool (true, false, 1, 0)";
-    case IDX_Filter_Type_Time: return "a time (YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS)";
-    default: return "an int";
+    case IDX_Filter_Type_String:
+      return "a string";
+    case IDX_Filter_Type_Float:
+      return "a finite float";
+    case IDX_Filter_Type_Boolean:
+      return "a bool (true, false, 1, 0)";
+    case IDX_Filter_Type_Time:
+      return "a time (YYYY-MM-DD or YYYY-MM-DDTHH:MM:SS)";
+    default:
+      return "an int";
   }
 }
 

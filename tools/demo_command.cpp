@@ -62,8 +62,8 @@ void BuildParts(int rows, RecordTable& table) {
   table.AddColumn("count", IDX_Filter_Type_Int);
   table.AddColumn("released", IDX_Filter_Type_Boolean);
   table.AddColumn("modified", IDX_Filter_Type_Time);
-  static const char* const kKinds[] = {"bolt", "nut", "washer", "bracket", "shaft", "gear",
-                                       "spring", "Bolt"};
+  static const char* const kKinds[] = {"bolt",  "nut",  "washer", "bracket",
+                                       "shaft", "gear", "spring", "Bolt"};
   const std::int64_t start = 1704067200;  // 2024-01-01T00:00:00Z
   Random random;
   for (int row = 0; row < rows; ++row) {
@@ -72,17 +72,25 @@ void BuildParts(int rows, RecordTable& table) {
     name += std::to_string(random.Below(1000));
     table.column(kPartName).AppendString(std::move(name));
     TableColumn& mass = table.column(kMass);
-    if (random.Percent(2)) mass.AppendMissing();
-    else mass.AppendFloat(static_cast<float>(random.Below(5000) + 1) / 100.0f);
+    if (random.Percent(2))
+      mass.AppendMissing();
+    else
+      mass.AppendFloat(static_cast<float>(random.Below(5000) + 1) / 100.0f);
     TableColumn& count = table.column(kCount);
-    if (random.Percent(1)) count.AppendMissing();
-    else count.AppendInt(static_cast<int>(random.Below(501)));
+    if (random.Percent(1))
+      count.AppendMissing();
+    else
+      count.AppendInt(static_cast<int>(random.Below(501)));
     TableColumn& released = table.column(kReleased);
-    if (random.Percent(3)) released.AppendMissing();
-    else released.AppendBool(random.Percent(70));
+    if (random.Percent(3))
+      released.AppendMissing();
+    else
+      released.AppendBool(random.Percent(70));
     TableColumn& modified = table.column(kModified);
-    if (random.Percent(5)) modified.AppendMissing();
-    else modified.AppendTime(start + static_cast<std::int64_t>(random.Below(3 * 365 * 86400)));
+    if (random.Percent(5))
+      modified.AppendMissing();
+    else
+      modified.AppendTime(start + static_cast<std::int64_t>(random.Below(3 * 365 * 86400)));
   }
 }
 
@@ -117,8 +125,8 @@ int DemoCommand(int argc, char** argv) {
     const Tally tally = EvaluateRows(*filter, table, true, nullptr);
     std::printf("filter %d  %s\n", ++number, text);
     std::printf("  compiled      %s\n", rendering.ConvertToChar());
-    std::printf("  holds %ld, does not hold %ld, undecidable %ld\n", tally.holds,
-                tally.doesNotHold, tally.undecidable);
+    std::printf("  holds %ld, does not hold %ld, undecidable %ld\n", tally.holds, tally.doesNotHold,
+                tally.undecidable);
     std::printf("  %.1f ns/record\n\n", tally.seconds * 1e9 / rows);
   }
 

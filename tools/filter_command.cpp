@@ -15,7 +15,8 @@ namespace idxbase_tool {
 namespace {
 
 constexpr CommandHelp kHelp{
-    "filter", "(--where EXPR | --file F) [--count] [--explain] [--case-insensitive]\n"
+    "filter",
+    "(--where EXPR | --file F) [--count] [--explain] [--case-insensitive]\n"
     "       [--var NAME=VALUE]... DATA.csv",
     "Prints the header and every record of DATA.csv for which the filter holds.\n"
     "\n"
@@ -117,8 +118,7 @@ int FilterCommand(int argc, char** argv) {
   }
 
   std::vector<int> matches;
-  const Tally tally =
-      EvaluateRows(*filter, table, !args.Has("--case-insensitive"), &matches);
+  const Tally tally = EvaluateRows(*filter, table, !args.Has("--case-insensitive"), &matches);
   if (args.Has("--count")) {
     std::printf("%ld holds, %ld does not hold, %ld undecidable, of %d records\n", tally.holds,
                 tally.doesNotHold, tally.undecidable, table.rowCount());

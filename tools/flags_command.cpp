@@ -51,9 +51,12 @@ std::string Rule(const DevFlag& flag) {
 
 std::string Plain(const FlagValue& value) {
   switch (value.kind) {
-    case FlagValue::Kind::kTruth: return value.number != 0 ? "true" : "false";
-    case FlagValue::Kind::kNumber: return std::to_string(value.number);
-    case FlagValue::Kind::kText: break;
+    case FlagValue::Kind::kTruth:
+      return value.number != 0 ? "true" : "false";
+    case FlagValue::Kind::kNumber:
+      return std::to_string(value.number);
+    case FlagValue::Kind::kText:
+      break;
   }
   return value.text == nullptr ? "(null)" : std::string("\"") + value.text + "\"";
 }
@@ -83,8 +86,8 @@ std::string Json(const FlagValue& value) {
 void PrintTable() {
   std::vector<Row> rows = {{"NAME", "VARIABLE", "RULE", "DEFAULT", "VALUE"}};
   for (const DevFlag* flag : idxbase::detail::kDevFlags) {
-    rows.push_back({flag->name, Variables(*flag), Rule(*flag), Plain(flag->fallback),
-                    Plain(flag->current())});
+    rows.push_back(
+        {flag->name, Variables(*flag), Rule(*flag), Plain(flag->fallback), Plain(flag->current())});
   }
   std::array<int, 4> widths{};
   for (const Row& row : rows) {
@@ -104,10 +107,11 @@ void PrintJson() {
   std::printf("[");
   const char* separator = "\n";
   for (const DevFlag* flag : idxbase::detail::kDevFlags) {
-    std::printf("%s  {\"name\": %s, \"variable\": %s, \"rule\": %s, \"default\": %s, \"value\": %s}",
-                separator, JsonString(flag->name).c_str(), JsonString(Variables(*flag)).c_str(),
-                JsonString(Rule(*flag)).c_str(), Json(flag->fallback).c_str(),
-                Json(flag->current()).c_str());
+    std::printf(
+        "%s  {\"name\": %s, \"variable\": %s, \"rule\": %s, \"default\": %s, \"value\": %s}",
+        separator, JsonString(flag->name).c_str(), JsonString(Variables(*flag)).c_str(),
+        JsonString(Rule(*flag)).c_str(), Json(flag->fallback).c_str(),
+        Json(flag->current()).c_str());
     separator = ",\n";
   }
   std::printf("\n]\n");

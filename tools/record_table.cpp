@@ -8,10 +8,18 @@ namespace idxbase_tool {
 void TableColumn::AppendMissing() {
   present.push_back(0);
   switch (type) {
-    case IDX_Filter_Type_Float: floats.push_back(0); break;
-    case IDX_Filter_Type_Time: times.push_back(0); break;
-    case IDX_Filter_Type_String: strings.emplace_back(); break;
-    default: ints.push_back(0); break;
+    case IDX_Filter_Type_Float:
+      floats.push_back(0);
+      break;
+    case IDX_Filter_Type_Time:
+      times.push_back(0);
+      break;
+    case IDX_Filter_Type_String:
+      strings.emplace_back();
+      break;
+    default:
+      ints.push_back(0);
+      break;
   }
 }
 
@@ -122,8 +130,7 @@ Tally EvaluateRows(BBDExpression& filter, const RecordTable& table, bool caseSen
       ++tally.undecidable;
     }
   }
-  tally.seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  tally.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   return tally;
 }
 

@@ -18,7 +18,7 @@ struct TableColumn {
   std::vector<std::uint8_t> present;  // 1 where the row has a value
   std::vector<int> ints;              // int columns, and booleans as 0 / 1
   std::vector<float> floats;
-  std::vector<std::int64_t> times;    // seconds since the epoch
+  std::vector<std::int64_t> times;  // seconds since the epoch
   std::vector<std::string> strings;
 
   // Appends "not available".
@@ -42,7 +42,9 @@ class RecordTable {
   TableColumn& column(int index) { return columns_[index]; }
   const TableColumn& column(int index) const { return columns_[index]; }
   int columnCount() const { return static_cast<int>(columns_.size()); }
-  int rowCount() const { return columns_.empty() ? 0 : static_cast<int>(columns_[0].present.size()); }
+  int rowCount() const {
+    return columns_.empty() ? 0 : static_cast<int>(columns_[0].present.size());
+  }
   const BBDFilterSimpleSchema& schema() const { return schema_; }
 
  private:
@@ -61,7 +63,8 @@ class TableReader : public BBDIAttributeRead {
   int ReadFloat(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, float& value) override;
   int ReadString(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, const char*& value,
                  int& length) override;
-  int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, KORTime& value) override;
+  int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
+               KORTime& value) override;
   int ReadBool(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override;
   int IsOfType(const BBDOccurrence&, unsigned int, BBDTypeInfo*, int&) override { return 0; }
   AttributeTypePair ResolvePair(const char*, int, unsigned int) override { return {}; }

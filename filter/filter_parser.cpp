@@ -394,6 +394,19 @@ bool Parser::NameOperand(ParsedOperand& operand) {
 
 }  // namespace
 
+bool BBDFilterParser::IsNamePart(std::string_view word) {
+  Lexer lexer(word);
+  const Token token = lexer.Next();
+  if (token.kind != TokenKind::kName || token.text != word ||
+      word.find('.') != std::string_view::npos) {
+    return false;
+  }
+  for (const char* keyword : kReserved) {
+    if (IsKeyword(word, keyword)) return false;
+  }
+  return true;
+}
+
 void BBDFilterParser::BindVariable(const std::string& name, const char* const* variable) {
   m_Variables[name] = variable;
 }

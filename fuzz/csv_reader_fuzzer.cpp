@@ -154,12 +154,19 @@ bool ModelTime(const std::string& s, std::int64_t& seconds) {
          back.tm_min == asked.tm_min && back.tm_sec == asked.tm_sec;
 }
 
+// An identifier that is not one of the filter language's keywords (which
+// compare without case).
 bool IsName(const std::string& s) {
   if (s.empty() || std::isdigit(static_cast<unsigned char>(s[0]))) return false;
+  std::string upper;
   for (const char c : s) {
     if (!std::isalnum(static_cast<unsigned char>(c)) && c != '_') return false;
+    upper += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   }
-  return true;
+  static const std::set<std::string> kKeywords = {
+      "AND",  "OR",    "NOT",  "BETWEEN",      "IN",        "LIKE",       "NOT_LIKE",
+      "TRUE", "FALSE", "NULL", "NAEXPRESSION", "NAOPERAND", "NULLOPERAND"};
+  return kKeywords.count(upper) == 0;
 }
 
 // The model's verdict on the whole text, checking the reader's table

@@ -90,16 +90,6 @@ class CsvCursor {
   int line_ = 1;
 };
 
-bool IsName(const std::string& name) {
-  if (name.empty() || (name[0] >= '0' && name[0] <= '9')) return false;
-  for (const char c : name) {
-    const bool word =
-        (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
-    if (!word) return false;
-  }
-  return true;
-}
-
 bool TypeOf(std::string_view name, IDX_Filter_ValueType& type) {
   static const std::pair<std::string_view, IDX_Filter_ValueType> kTypes[] = {
       {"string", IDX_Filter_Type_String},
@@ -127,8 +117,9 @@ bool ReadHeader(const std::vector<Field>& fields, RecordTable& table, CsvError& 
                       "' needs a type: name:string, name:int, name:float, name:bool or name:time";
       return false;
     }
-    if (!IsName(name)) {
-      error.message = "column name '" + name + "' is not a name (letters, digits and _)";
+    if (!BBDFilterParser::IsNamePart(name)) {
+      error.message = "column name '" + name +
+                      "' is not a name a filter can use (letters, digits and _, not a keyword)";
       return false;
     }
     if (!table.AddColumn(name, type)) {

@@ -146,6 +146,10 @@ class IDXBASE_API BBDFilterParser {
 
   KORStatus Parse(std::string_view text, BBDExpression*& root, BBDFilterParseError& error) const;
 
+  // True when `word` reads as one name part in a filter: letters, digits
+  // and "_", not starting with a digit (ASCII only), and not a keyword.
+  static bool IsNamePart(std::string_view word);
+
   // Reads an ISO date "YYYY-MM-DD" or date and time "YYYY-MM-DDTHH:MM:SS"
   // (optionally followed by "Z"), in UTC, years 1 to 9999. False, leaving
   // `time` unchanged, when the text is not such a date or names a day

@@ -116,27 +116,6 @@ TEST(HashTable, IteratesBucketsInOrderNewestFirst) {
   }
 }
 
-// Requested size 2 gives one bucket, so every key collides.
-TEST(HashTable, SingleBucketChainsAndRemovals) {
-  RecordTable table(2);
-  table.Put(5, 50);
-  table.Put(13, 130);
-  EXPECT_EQ(table.Walk(), (Elements{{13, 130}, {5, 50}}));
-  table.Put(21, 210);
-  table.Put(-8, -80);
-  EXPECT_EQ(Keys(table.Walk()), (std::vector<int>{-8, 21, 13, 5}));
-
-  table.RemoveElem(13);  // middle
-  EXPECT_EQ(Keys(table.Walk()), (std::vector<int>{-8, 21, 5}));
-  table.RemoveElem(5);   // tail
-  table.RemoveElem(-8);  // head
-  table.RemoveElem(99);  // absent
-  EXPECT_EQ(table.Walk(), (Elements{{21, 210}}));
-  EXPECT_EQ(table.Get(13), std::nullopt);
-  table.RemoveElem(21);
-  EXPECT_TRUE(table.GetIterator().IsFinished());
-}
-
 TEST(HashTable, OverwriteKeepsOneNodeInPlace) {
   RecordTable table(10);
   table.Put(7, 1);

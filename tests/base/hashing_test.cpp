@@ -105,18 +105,6 @@ TEST(StringHash, NeverReadsPastTheLength) {
   munmap(mapping, 2 * page);
 }
 
-TEST(StringHash, MatchesTheByteWiseFold) {
-  const std::vector<char> bytes = Noise(4096, 3);
-  std::mt19937 random(4);
-  for (int i = 0; i < 2000; ++i) {
-    const std::size_t offset = random() % 64;
-    const std::size_t length = random() % (bytes.size() - offset);
-    const char* text = bytes.data() + offset;
-    ASSERT_EQ(IDX_StringHash(text, static_cast<int>(length)), ByteWiseHash(text, length))
-        << "length " << length << ", offset " << offset;
-  }
-}
-
 TEST(ConvertToHexa, WritesUpperCaseDigits) {
   const unsigned char bytes[] = {0x00, 0x1F, 0xAB, 0xFF};
   char* text = nullptr;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <limits>
 #include <random>
 
@@ -145,35 +144,16 @@ bool FloatOverlap(const Case& c) {
   return overlap == IDX_True;
 }
 
-// Random triangles around a box of roughly unit size, a fifth of each
-// kind: large triangles, small ones, and three constructions that touch
-// the box exactly (a corner on a face, an edge across a box edge, the
-// plane through a box corner), shifted by -2..2 grid steps.
+// Random triangles around a box of roughly unit size: half of them large,
+// half small. Contact cases are in the table test above.
 class TriangleGenerator {
  public:
-  Case Next(int kind) {
+  Case Next(bool large) {
     Case c;
     c.center = {Coordinate(0.25), Coordinate(0.25), Coordinate(0.25)};
     c.halfSize = {Between(0.25, 0.75), Between(0.25, 0.75), Between(0.25, 0.75)};
-    switch (kind) {
-      case 0:
-        for (IVec& v : c.corner) v = Around(c.center, 2.5);
-        break;
-      case 1: {
-        const IVec middle = Around(c.center, 2.0);
-        for (IVec& v : c.corner) v = Around(middle, 0.2);
-        break;
-      }
-      case 2:
-        CornerOnFace(c);
-        break;
-      case 3:
-        EdgeAcrossEdge(c);
-        break;
-      default:
-        PlaneThroughCorner(c);
-        break;
-    }
+    const IVec middle = large ? c.center : Around(c.center, 2.0);
+    for (IVec& v : c.corner) v = Around(middle, large ? 2.5 : 0.2);
     return c;
   }
 
@@ -190,86 +170,27 @@ class TriangleGenerator {
   IVec Around(const IVec& p, double range) {
     return {p.x + Coordinate(range), p.y + Coordinate(range), p.z + Coordinate(range)};
   }
-  Int Sign() { return random_() % 2 == 0 ? 1 : -1; }
-  Int Shift() { return static_cast<Int>(random_() % 5) - 2; }
-  // The box's corner on the side (sx, sy, sz).
-  static IVec BoxCorner(const Case& c, Int sx, Int sy, Int sz) {
-    return {c.center.x + sx * c.halfSize.x, c.center.y + sy * c.halfSize.y,
-            c.center.z + sz * c.halfSize.z};
-  }
-  static IVec Translate(const IVec& p, Int dx, Int dy, Int dz) {
-    return {p.x + dx, p.y + dy, p.z + dz};
-  }
-
-  // A corner on the face x = ±h, the others beyond it.
-  void CornerOnFace(Case& c) {
-    const Int s = Sign();
-    const IVec onFace = {c.center.x + s * c.halfSize.x,
-                         c.center.y + Coordinate(1.0) * c.halfSize.y / Units(1.0),
-                         c.center.z + Coordinate(1.0) * c.halfSize.z / Units(1.0)};
-    c.corner[0] = Translate(onFace, s * Shift(), 0, 0);
-    for (int i = 1; i < 3; ++i) {
-      c.corner[i] = Translate(c.corner[0], s * Between(0.0, 0.5), Coordinate(0.5), Coordinate(0.5));
-    }
-  }
-
-  // An edge through a point of the box edge x = ±hx, y = ±hy, leaving the
-  // box on both sides; the third corner beyond the box edge.
-  void EdgeAcrossEdge(Case& c) {
-    const Int sx = Sign(), sy = Sign();
-    IVec q = BoxCorner(c, sx, sy, 1);
-    q.z -= Between(0.0, 2.0) * c.halfSize.z / Units(1.0);
-    const IVec d = {sx * Between(0.01, 0.5), -sy * Between(0.01, 0.5), Coordinate(0.5)};
-    const Int shift = Shift();
-    c.corner[0] = Translate(q, d.x + sx * shift, d.y + sy * shift, d.z);
-    c.corner[1] = Translate(q, -d.x + sx * shift, -d.y + sy * shift, -d.z);
-    c.corner[2] = Translate(q, sx * Between(0.01, 0.5), sy * Between(0.01, 0.5), Coordinate(0.5));
-  }
-
-  // A triangle around a box corner in a plane that leaves the box on one
-  // side, so that it touches the box at that corner only.
-  void PlaneThroughCorner(Case& c) {
-    const Int sx = Sign(), sy = Sign(), sz = Sign();
-    const IVec corner = BoxCorner(c, sx, sy, sz);
-    const auto small = [this] { return static_cast<Int>(1 + random_() % 50); };
-    const IVec n = {sx * small(), sy * small(), sz * small()};
-    const Int scale = static_cast<Int>(500 + random_() % 20000);
-    const IVec v1 = {scale * n.y, -scale * n.x, 0}, v2 = {scale * n.z, 0, -scale * n.x};
-    const Int shift = Shift();
-    const IVec at = Translate(corner, sx * shift, sy * shift, sz * shift);
-    c.corner[0] = Translate(at, v1.x, v1.y, v1.z);
-    c.corner[1] = Translate(at, v2.x, v2.y, v2.z);
-    c.corner[2] = Translate(at, -v1.x - v2.x, -v1.y - v2.y, -v1.z - v2.z);
-  }
 
   std::mt19937_64 random_{20240611};
 };
 
 TEST(GeometryServices, TriangleToBoxAgreesWithAnExactOracle) {
-  constexpr int kTriangles = 200000;
+  constexpr int kTriangles = 100000;
   TriangleGenerator generator;
-  int overlapping = 0, contacts = 0, disagreements = 0, atContact = 0;
-  long double farthest = 0;
+  int overlapping = 0;
   for (int n = 0; n < kTriangles; ++n) {
-    const Case c = generator.Next(n % 5);
+    const Case c = generator.Next(n % 2 == 0);
     const Verdict exact = ExactOverlap(c);
     overlapping += exact.overlap ? 1 : 0;
-    contacts += exact.distance == 0 ? 1 : 0;
-    if (FloatOverlap(c) == exact.overlap) continue;
-    ++disagreements;
-    atContact += exact.distance == 0 ? 1 : 0;
-    farthest = std::max(farthest, exact.distance);
     // Only float rounding of the projections can explain a disagreement:
     // the triangle must lie within a few float steps of contact.
-    EXPECT_LT(exact.distance, 4e-6L) << "case " << n << (exact.overlap ? " overlaps" : " is apart");
+    if (FloatOverlap(c) != exact.overlap) {
+      EXPECT_LT(exact.distance, 4e-6L)
+          << "case " << n << (exact.overlap ? " overlaps" : " is apart");
+    }
   }
-  std::printf(
-      "[ oracle   ] %d triangles: %d overlapping, %d in exact contact; %d disagreements, "
-      "%d of them at exact contact, farthest %.3Lg\n",
-      kTriangles, overlapping, contacts, disagreements, atContact, farthest);
   EXPECT_GT(overlapping, kTriangles / 5);
   EXPECT_LT(overlapping, kTriangles * 4 / 5);
-  EXPECT_GT(contacts, kTriangles / 10);
 }
 
 }  // namespace

@@ -134,24 +134,6 @@ TEST(TypedMatrix, StatedTypeIsTrusted) {
   ExpectPoint(q, 1, 2, 3);
 }
 
-TEST(TypedMatrix, ComposesInTheOrderOfTheOperands) {
-  const PLMIdxMatrix x = Translation(1, 0, 0), y = Translation(0, 2, 0);
-  EXPECT_TRUE(SameMatrix(PLMIdxMatrix(x, y), Translation(1, 2, 0)));
-  EXPECT_TRUE(SameMatrix(PLMIdxMatrix(y, x), Translation(1, 2, 0)));
-
-  const PLMIdxMatrix t = Translation(1, 2, 3), r = QuarterTurn();
-  const PLMIdxMatrix tr(t, r), rt(r, t);  // translate then turn; turn then translate
-  EXPECT_EQ(tr.GetType(), kS);
-  EXPECT_EQ(rt.GetType(), kS);
-  IDX_Point q;
-  tr.Multiply(IDX_Point{0, 0, 0}, q);
-  ExpectPoint(q, -2, 1, 3);
-  rt.Multiply(IDX_Point{0, 0, 0}, q);
-  ExpectPoint(q, 1, 2, 3);
-  rt.Multiply(IDX_Point{1, 0, 0}, q);
-  ExpectPoint(q, 1, 3, 3);
-}
-
 TEST(TypedMatrix, OnlyTsAndStDropColumnThreeOfTheirStandardOperand) {
   const PLMIdxMatrix s = Projective(), t = Translation(1, -2, 3), r = QuarterTurn();
   const struct {
@@ -197,18 +179,11 @@ TEST(TypedMatrix, UnknownTypesWriteNothing) {
   ExpectPoint(u, 9, 9, 9);
 }
 
-TEST(TypedMatrix, InverseExamples) {
-  PLMIdxMatrix inverse;
-  Translation(1, 2, 3).GetInvertedMatrix(inverse);
-  EXPECT_TRUE(SameMatrix(inverse, Translation(-1, -2, -3)));
-
-  Matrix({{0, 2}, {5, 2}, {10, 2}}).GetInvertedMatrix(inverse);
-  EXPECT_EQ(inverse.GetType(), kR);
-  for (int k : {0, 5, 10}) EXPECT_EQ(inverse.GetMatrix()[k], 0.5f);
-
+// Near-singular matrices (det 1e-9) leave the target unchanged.
+TEST(TypedMatrix, InverseOfASingularMatrixWritesNothing) {
   const PLMIdxMatrix target = Translation(7, 7, 7);
-  inverse = target;
-  Matrix({{0, 0.001f}, {5, 0.001f}, {10, 0.001f}}).GetInvertedMatrix(inverse);  // det 1e-9
+  PLMIdxMatrix inverse = target;
+  Matrix({{0, 0.001f}, {5, 0.001f}, {10, 0.001f}}).GetInvertedMatrix(inverse);
   EXPECT_TRUE(SameMatrix(inverse, target));
 }
 

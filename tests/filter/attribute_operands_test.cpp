@@ -131,8 +131,6 @@ TEST(AttributeOperand, ReadsOnlyItsValueTypeThroughTheReader) {
   for (IDX_Filter_ValueType type : held) {
     auto* pair = new AttributeTypePair(3, 12);
     BBDOperandAttribute op(pair, type);
-    EXPECT_EQ(IDX_Filter_Operand_Attribute, op.GetOperandType());
-    EXPECT_EQ(type, op.GetValueType());
     for (IDX_Filter_ValueType read : kReadTypes) {
       SCOPED_TRACE(testing::Message() << "held " << type << ", read " << read);
       StrictMock<MockAttributeReader> reader;
@@ -492,8 +490,6 @@ TEST(MultiTypeNoCompiled, RendersNamesAndNeverReads) {
   names.Append("A");
   names.Append("B");
   BBDOperandMultiTypeNoCompiled op(names, "x", IDX_Filter_Type_Int);
-  EXPECT_EQ(IDX_Filter_Operand_Attribute, op.GetOperandType());
-  EXPECT_EQ(IDX_Filter_Type_Int, op.GetValueType());
   EXPECT_EQ("A.B.x", Rendered(op));
   EXPECT_EQ("pre:A.B.x", Rendered(op, "pre:"));
   BBDOperandMultiTypeNoCompiled bare(KORListValKORUnicodeString(), "x", IDX_Filter_Type_String);

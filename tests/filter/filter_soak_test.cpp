@@ -7,6 +7,7 @@
 // that the library writes to standard output.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -84,7 +85,7 @@ struct Record {
 
 struct OperandModel {
   enum Kind { kNull, kNA, kConst, kSet, kAttribute, kUser } kind = kNull;
-  Type type = Type::kInt;  // of a constant or an attribute
+  Type type = Type::kInt;    // of a constant or an attribute
   bool naAttribute = false;  // an attribute operand declared of type NA
   int attribute = 0;
   int i = 0;
@@ -107,8 +108,18 @@ struct ExprModel {
 
 // What a comparison operator does, by operator value.
 enum class Comparison {
-  kNone, kUnsupported, kEqual, kDifferent, kLower, kLowerEq, kHigher, kHigherEq,
-  kBetween, kIn, kLike, kNotLike
+  kNone,
+  kUnsupported,
+  kEqual,
+  kDifferent,
+  kLower,
+  kLowerEq,
+  kHigher,
+  kHigherEq,
+  kBetween,
+  kIn,
+  kLike,
+  kNotLike
 };
 
 struct OperatorMeaning {
@@ -118,46 +129,26 @@ struct OperatorMeaning {
 
 OperatorMeaning MeaningOf(int op) {
   using C = Comparison;
-  switch (op) {
-    case 3: return {C::kEqual, Type::kInt};
-    case 4: return {C::kEqual, Type::kString};
-    case 5: return {C::kEqual, Type::kFloat};
-    case 6: return {C::kEqual, Type::kBool};
-    case 7: return {C::kBetween, Type::kString};
-    case 8: return {C::kBetween, Type::kInt};
-    case 9: return {C::kBetween, Type::kFloat};
-    case 10: return {C::kLower, Type::kString};
-    case 11: return {C::kLower, Type::kInt};
-    case 12: return {C::kLower, Type::kFloat};
-    case 13: return {C::kLowerEq, Type::kString};
-    case 14: return {C::kLowerEq, Type::kInt};
-    case 15: return {C::kLowerEq, Type::kFloat};
-    case 16: return {C::kHigher, Type::kString};
-    case 17: return {C::kHigher, Type::kInt};
-    case 18: return {C::kHigher, Type::kFloat};
-    case 19: return {C::kHigherEq, Type::kString};
-    case 20: return {C::kHigherEq, Type::kInt};
-    case 21: return {C::kHigherEq, Type::kFloat};
-    case 23: return {C::kLike, Type::kString};
-    case 24: return {C::kDifferent, Type::kInt};
-    case 25: return {C::kDifferent, Type::kString};
-    case 26: return {C::kDifferent, Type::kFloat};
-    case 27: return {C::kDifferent, Type::kBool};
-    case 28: return {C::kIn, Type::kInt};
-    case 29: return {C::kIn, Type::kString};
-    case 30: return {C::kIn, Type::kFloat};
-    case 31: return {C::kIn, Type::kInt};  // IN over booleans reads integers
-    case 33: return {C::kNotLike, Type::kString};
-    case 34: return {C::kEqual, Type::kTime};
-    case 35: return {C::kDifferent, Type::kTime};
-    case 36: return {C::kBetween, Type::kTime};
-    case 37: return {C::kLower, Type::kTime};
-    case 38: return {C::kLowerEq, Type::kTime};
-    case 39: return {C::kHigher, Type::kTime};
-    case 40: return {C::kHigherEq, Type::kTime};
-    case 41: return {C::kUnsupported, Type::kInt};
-    default: return {C::kNone, Type::kInt};  // 0, 1, 2, 22, 32 and outside 0..41
-  }
+  using T = Type;
+  // IN over booleans (31) reads integers.
+  static const OperatorMeaning kMeanings[] = {
+      {C::kNone, T::kInt},       {C::kNone, T::kInt},         {C::kNone, T::kInt},
+      {C::kEqual, T::kInt},      {C::kEqual, T::kString},     {C::kEqual, T::kFloat},
+      {C::kEqual, T::kBool},     {C::kBetween, T::kString},   {C::kBetween, T::kInt},
+      {C::kBetween, T::kFloat},  {C::kLower, T::kString},     {C::kLower, T::kInt},
+      {C::kLower, T::kFloat},    {C::kLowerEq, T::kString},   {C::kLowerEq, T::kInt},
+      {C::kLowerEq, T::kFloat},  {C::kHigher, T::kString},    {C::kHigher, T::kInt},
+      {C::kHigher, T::kFloat},   {C::kHigherEq, T::kString},  {C::kHigherEq, T::kInt},
+      {C::kHigherEq, T::kFloat}, {C::kNone, T::kInt},         {C::kLike, T::kString},
+      {C::kDifferent, T::kInt},  {C::kDifferent, T::kString}, {C::kDifferent, T::kFloat},
+      {C::kDifferent, T::kBool}, {C::kIn, T::kInt},           {C::kIn, T::kString},
+      {C::kIn, T::kFloat},       {C::kIn, T::kInt},           {C::kNone, T::kInt},
+      {C::kNotLike, T::kString}, {C::kEqual, T::kTime},       {C::kDifferent, T::kTime},
+      {C::kBetween, T::kTime},   {C::kLower, T::kTime},       {C::kLowerEq, T::kTime},
+      {C::kHigher, T::kTime},    {C::kHigherEq, T::kTime},    {C::kUnsupported, T::kInt},
+  };
+  static_assert(sizeof kMeanings / sizeof kMeanings[0] == 42);
+  return op >= 0 && op < 42 ? kMeanings[op] : OperatorMeaning{C::kNone, T::kInt};
 }
 
 // ---------------------------------------------------------------------
@@ -256,29 +247,12 @@ class Reference {
   std::optional<Value> ReadAttribute(int index, Type type) const {
     const Attribute& a = record_.attributes[index];
     Value v;
-    switch (type) {
-      case Type::kInt:
-        if (!a.i) return std::nullopt;
-        v.i = *a.i;
-        return v;
-      case Type::kFloat:
-        if (!a.f) return std::nullopt;
-        v.f = *a.f;
-        return v;
-      case Type::kString:
-        if (!a.s) return std::nullopt;
-        v.s = *a.s;
-        return v;
-      case Type::kBool:
-        if (!a.b) return std::nullopt;
-        v.b = *a.b == 1;
-        return v;
-      case Type::kTime:
-        if (!a.t) return std::nullopt;
-        v.t = *a.t;
-        return v;
-    }
-    return std::nullopt;
+    const bool present = type == Type::kInt      ? (a.i && (v.i = *a.i, true))
+                         : type == Type::kFloat  ? (a.f && (v.f = *a.f, true))
+                         : type == Type::kString ? (a.s && (v.s = *a.s, true))
+                         : type == Type::kBool   ? (a.b && (v.b = *a.b == 1, true))
+                                                 : (a.t && (v.t = *a.t, true));
+    return present ? std::optional<Value>(v) : std::nullopt;
   }
 
   // How a compares with b in `type`. Floats compare as IEEE values, so a
@@ -291,7 +265,7 @@ class Reference {
   };
   template <class T>
   static Relation Relate(const T& a, const T& b) {
-    return Relation{a < b, a > b, a == b};
+    return Relation{a<b, a> b, a == b};
   }
   Relation Relate(Type type, const Value& a, const Value& b) const {
     switch (type) {
@@ -359,9 +333,9 @@ class Reference {
         return Decide(ab.higher || ab.equal);
       case Comparison::kLike:
       case Comparison::kNotLike: {
-        const bool matches = idxbase_test::ReferenceLike(caseSensitive_, a->s.length,
-                                                         a->s.bytes.data(), b->s.length,
-                                                         b->s.bytes.data()) == 0;
+        const bool matches =
+            idxbase_test::ReferenceLike(caseSensitive_, a->s.length, a->s.bytes.data(), b->s.length,
+                                        b->s.bytes.data()) == 0;
         return Decide(matches == (meaning.comparison == Comparison::kLike));
       }
       default:
@@ -501,14 +475,10 @@ class OneLevel : public BBDOccurrence {
 };
 
 IDX_Filter_ValueType LibraryType(Type type) {
-  switch (type) {
-    case Type::kInt: return IDX_Filter_Type_Int;
-    case Type::kString: return IDX_Filter_Type_String;
-    case Type::kFloat: return IDX_Filter_Type_Float;
-    case Type::kBool: return IDX_Filter_Type_Boolean;
-    case Type::kTime: return IDX_Filter_Type_Time;
-  }
-  return IDX_Filter_Type_NA;
+  static const IDX_Filter_ValueType kTypes[] = {IDX_Filter_Type_Int, IDX_Filter_Type_String,
+                                                IDX_Filter_Type_Float, IDX_Filter_Type_Boolean,
+                                                IDX_Filter_Type_Time};
+  return kTypes[static_cast<int>(type)];
 }
 
 // Builds library trees whose user-string operands read `*userVariable`.
@@ -551,11 +521,16 @@ class TreeBuilder {
  private:
   static BBDOperand* BuildConstant(const OperandModel& o) {
     switch (o.type) {
-      case Type::kInt: return new BBDOperandIntConst(o.i);
-      case Type::kFloat: return new BBDOperandFloatConst(o.f);
-      case Type::kBool: return new BBDOperandBooleanConst(o.b);
-      case Type::kString: return new BBDOperandStringConst(strdup(o.s.c_str()));
-      case Type::kTime: return new BBDOperandTimeConst(o.t.ToKORTime());
+      case Type::kInt:
+        return new BBDOperandIntConst(o.i);
+      case Type::kFloat:
+        return new BBDOperandFloatConst(o.f);
+      case Type::kBool:
+        return new BBDOperandBooleanConst(o.b);
+      case Type::kString:
+        return new BBDOperandStringConst(strdup(o.s.c_str()));
+      case Type::kTime:
+        return new BBDOperandTimeConst(o.t.ToKORTime());
     }
     return nullptr;
   }
@@ -581,9 +556,9 @@ class Generator {
     return Chance(5) ? kExtremes[Uniform(0, 1)] : Uniform(-3, 3);
   }
   float Float() {
-    static const float kValues[] = {std::numeric_limits<float>::quiet_NaN(),
-                                    -0.0f, 0.0f, 1.5f, -2.25f, 3.0f,
-                                    std::numeric_limits<float>::infinity()};
+    static const float kValues[] = {
+        std::numeric_limits<float>::quiet_NaN(), -0.0f, 0.0f, 1.5f, -2.25f, 3.0f,
+        std::numeric_limits<float>::infinity()};
     return kValues[Uniform(0, 6)];
   }
   std::string String() {
@@ -650,7 +625,8 @@ class Generator {
     const int size = Uniform(0, 4);
     for (int k = 0; k < size; ++k) {
       set.elements.push_back(Operand(type));
-      if (set.elements.back().kind == OperandModel::kSet) set.elements.back().kind = OperandModel::kNA;
+      if (set.elements.back().kind == OperandModel::kSet)
+        set.elements.back().kind = OperandModel::kNA;
     }
     return set;
   }
@@ -687,8 +663,10 @@ class Generator {
     auto e = std::make_shared<ExprModel>();
     e->kind = ExprModel::kComposed;
     const int roll = Uniform(0, 99);
-    e->op = roll < 20 ? IDX_Filter_Op_Not
-                      : roll < 58 ? IDX_Filter_Op_Or : roll < 97 ? IDX_Filter_Op_And : Uniform(3, 9);
+    e->op = roll < 20   ? IDX_Filter_Op_Not
+            : roll < 58 ? IDX_Filter_Op_Or
+            : roll < 97 ? IDX_Filter_Op_And
+                        : Uniform(3, 9);
     e->first = Tree(depth + 1);
     // A not has no second side, or one that is ignored.
     if (e->op != IDX_Filter_Op_Not || Chance(5)) e->second = Tree(depth + 1);
@@ -708,19 +686,13 @@ std::string Rendering(BBDExpression* e) {
 std::string RecordText(const Record& record) {
   std::string text;
   for (const Attribute& a : record.attributes) {
-    text += "{i=" + (a.i ? std::to_string(*a.i) : "-") + " f=" + (a.f ? std::to_string(*a.f) : "-") +
+    text += "{i=" + (a.i ? std::to_string(*a.i) : "-") +
+            " f=" + (a.f ? std::to_string(*a.f) : "-") +
             " s=" + (a.s ? "\"" + a.s->bytes + "\"/" + std::to_string(a.s->length) : "-") +
             " b=" + (a.b ? std::to_string(*a.b) : "-") +
             " t=" + (a.t ? std::to_string(a.t->Order()) : "-") + "} ";
   }
   return text + "user=" + (record.user ? "\"" + *record.user + "\"" : "null");
-}
-
-// The index of the first difference between two texts, for reports.
-std::size_t FirstDifference(const std::string& a, const std::string& b) {
-  std::size_t k = 0;
-  while (k < a.size() && k < b.size() && a[k] == b[k]) ++k;
-  return k;
 }
 
 TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
@@ -764,18 +736,22 @@ TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
         if (gotCompiled != wantCompiled || gotCopy != wantCopy) {
           ++mismatches;
           // Reported once standard output is back: gtest writes there.
-          reports.push_back(::testing::Message() << "tree " << Rendering(copy.get()) << "\ncompiled "
-                        << Rendering(compiled) << "\nrecord " << RecordText(record)
-                        << (caseSensitive ? " case sensitive" : " case insensitive")
-                        << "\ncompiled: " << gotCompiled << " expected " << wantCompiled
-                        << "\nuncompiled copy: " << gotCopy << " expected " << wantCopy);
+          reports.push_back(::testing::Message()
+                            << "tree " << Rendering(copy.get()) << "\ncompiled "
+                            << Rendering(compiled) << "\nrecord " << RecordText(record)
+                            << (caseSensitive ? " case sensitive" : " case insensitive")
+                            << "\ncompiled: " << gotCompiled << " expected " << wantCompiled
+                            << "\nuncompiled copy: " << gotCopy << " expected " << wantCopy);
         }
       }
     }
     const std::string output = capture.Finish();
     for (const ::testing::Message& report : reports) ADD_FAILURE() << report;
     if (output != expectedOutput) {
-      const std::size_t at = FirstDifference(output, expectedOutput);
+      const std::size_t at =
+          std::mismatch(output.begin(), output.end(), expectedOutput.begin(), expectedOutput.end())
+              .first -
+          output.begin();
       ADD_FAILURE() << "standard output differs at byte " << at << " of " << output.size()
                     << " (expected " << expectedOutput.size() << "): got \""
                     << output.substr(at, 80) << "\" expected \"" << expectedOutput.substr(at, 80)

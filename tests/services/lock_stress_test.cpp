@@ -1,18 +1,13 @@
 // Stress of the lock files: eight lock_contender processes take and
-// release the lock of one directory while the test kills holders at random
-// moments with SIGKILL, for 30 rounds (a round ends with a holder's
-// release or death). Checked:
-//   - mutual exclusion: no holder ever finds another's marker, and no
-//     process reports taking the lock while the previous holder neither
-//     released it nor died;
-//   - recovery: after a kill, some process holds the lock again within the
-//     2-second liveness wait per file the dead holder left (one, or two
-//     when it died between creating its next file and deleting its
-//     current one) plus a margin. The margin (1.5 s) covers starting the
-//     replacement contender, which begins a scan at once, the rescans of
-//     the directory, the new holder's second scan and heartbeat start and
-//     the report through the pipe, on a loaded two-core machine or under
-//     the sanitizers; a second liveness wait would exceed it.
+// release the lock of one directory while the test SIGKILLs holders at
+// random moments, for 30 rounds (a round ends with a holder's release or
+// death). Checked: mutual exclusion (no holder finds another's marker, and
+// nobody takes the lock while the previous holder neither released it nor
+// died), and recovery: after a kill, someone holds the lock again within
+// the 2-second liveness wait per file the dead holder left (two when it
+// died between creating its next file and deleting its current one) plus
+// a 1.5 s margin for process start, rescans and the report pipe on a
+// loaded machine; a second liveness wait would exceed it.
 // The figures go to standard output for the CI log.
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -188,7 +183,7 @@ TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
   int acquisitions = 0;
   int violations = 0;
   long long maxRecovery = 0;
-  pid_t holder = 0;      // the process holding the lock, 0 when none
+  pid_t holder = 0;        // the process holding the lock, 0 when none
   long long killedAt = 0;  // when the last holder was killed, until the next acquisition
   long long recoveryBound = 0;
 
@@ -202,8 +197,7 @@ TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
       ++acquisitions;
       if (holder != 0) {
         ++violations;
-        ADD_FAILURE() << "process " << event.pid << " took the lock while " << holder
-                      << " held it";
+        ADD_FAILURE() << "process " << event.pid << " took the lock while " << holder << " held it";
       }
       holder = event.pid;
       if (killedAt != 0) {
@@ -222,8 +216,8 @@ TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
     Event event;
     // Wait for a holder.
     while (holder == 0) {
-      ASSERT_TRUE(arena.Next(event, Now() + kEventTimeout)) << "nobody took the lock, round "
-                                                           << round;
+      ASSERT_TRUE(arena.Next(event, Now() + kEventTimeout))
+          << "nobody took the lock, round " << round;
       handle(event);
       if (event.what == "acquired") break;
     }
@@ -231,8 +225,8 @@ TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
     // Every other round, on average, the holder dies before it means to
     // release, at a random moment of its hold (sometimes after a heartbeat
     // step).
-    const bool killIt = std::uniform_int_distribution<int>(0, 1)(random) == 1 &&
-                        acquired.holdMs > 250;
+    const bool killIt =
+        std::uniform_int_distribution<int>(0, 1)(random) == 1 && acquired.holdMs > 250;
     if (!killIt) {
       while (holder == acquired.pid) {
         ASSERT_TRUE(arena.Next(event, Now() + kEventTimeout)) << "the holder never released";
@@ -259,9 +253,10 @@ TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
     handle(event);
   }
 
-  std::printf("lock stress: %d contenders, %d rounds, %d acquisitions, %d kills, "
-              "max recovery %lld ms, violations %d\n",
-              kContenders, kRounds, acquisitions, kills, maxRecovery / kMillisecond, violations);
+  std::printf(
+      "lock stress: %d contenders, %d rounds, %d acquisitions, %d kills, "
+      "max recovery %lld ms, violations %d\n",
+      kContenders, kRounds, acquisitions, kills, maxRecovery / kMillisecond, violations);
   std::fflush(stdout);
   EXPECT_EQ(0, violations);
   EXPECT_GE(kills, kRounds / 4) << "too few kills to stress recovery";

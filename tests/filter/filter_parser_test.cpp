@@ -1,6 +1,8 @@
 // The filter language: round trips of rendered trees, evaluation of parsed
 // filters against plain C++ predicates, typing, variables, errors and
 // limits.
+#include "idxbase/filter_parser.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -14,7 +16,6 @@
 #include <string>
 #include <vector>
 
-#include "idxbase/filter_parser.h"
 #include "filter_test_support.h"
 #include "support/stdout_capture.h"
 
@@ -141,14 +142,17 @@ class TreeGenerator {
     if (pick < 5) return Attribute(type);
     switch (type) {
       case IDX_Filter_Type_Int:
-        return new BBDOperandIntConst(std::uniform_int_distribution<int>(INT32_MIN, INT32_MAX)(random_));
+        return new BBDOperandIntConst(
+            std::uniform_int_distribution<int>(INT32_MIN, INT32_MAX)(random_));
       case IDX_Filter_Type_Float: {
-        const float magnitude = std::ldexp(std::uniform_real_distribution<float>(1, 2)(random_),
-                                           Below(200) - 100);
+        const float magnitude =
+            std::ldexp(std::uniform_real_distribution<float>(1, 2)(random_), Below(200) - 100);
         return new BBDOperandFloatConst(Below(2) == 0 ? magnitude : -magnitude);
       }
-      case IDX_Filter_Type_Boolean: return new BBDOperandBooleanConst(Below(2) == 0);
-      default: return new BBDOperandStringConst(String());
+      case IDX_Filter_Type_Boolean:
+        return new BBDOperandBooleanConst(Below(2) == 0);
+      default:
+        return new BBDOperandStringConst(String());
     }
   }
 
@@ -165,8 +169,8 @@ class TreeGenerator {
   // A malloc'ed string of printable bytes, spaces, UTF-8 and the
   // language's own punctuation; never a double quote.
   char* String() {
-    static const char* const kPieces[] = {"a", "Z", " ", "%", "_", "(", ")", "'", "{", "AND",
-                                          "é", "€", "\\", "@", "$x", "0.5", ">="};
+    static const char* const kPieces[] = {"a",   "Z", " ", "%",  "_", "(",  ")",   "'", "{",
+                                          "AND", "é", "€", "\\", "@", "$x", "0.5", ">="};
     std::string text;
     for (int i = Below(6); i > 0; --i) text += kPieces[Below(17)];
     char* buffer = static_cast<char*>(std::malloc(text.size() + 1));
@@ -175,27 +179,35 @@ class TreeGenerator {
   }
 
   BBDExpression* Comparison() {
-    static const IDX_Filter_Operator kInt[] = {
-        IDX_Filter_Op_EqualInt,   IDX_Filter_Op_DifferentInt, IDX_Filter_Op_LowerInt,
-        IDX_Filter_Op_LowerEqInt, IDX_Filter_Op_HigherInt,    IDX_Filter_Op_HigherEqInt,
-        IDX_Filter_Op_BetweenInt};
+    static const IDX_Filter_Operator kInt[] = {IDX_Filter_Op_EqualInt,  IDX_Filter_Op_DifferentInt,
+                                               IDX_Filter_Op_LowerInt,  IDX_Filter_Op_LowerEqInt,
+                                               IDX_Filter_Op_HigherInt, IDX_Filter_Op_HigherEqInt,
+                                               IDX_Filter_Op_BetweenInt};
     static const IDX_Filter_Operator kFloat[] = {
         IDX_Filter_Op_EqualFloat,   IDX_Filter_Op_DifferentFloat, IDX_Filter_Op_LowerFloat,
         IDX_Filter_Op_LowerEqFloat, IDX_Filter_Op_HigherFloat,    IDX_Filter_Op_HigherEqFloat,
         IDX_Filter_Op_BetweenFloat};
     static const IDX_Filter_Operator kString[] = {
-        IDX_Filter_Op_EqualString,    IDX_Filter_Op_DifferentString, IDX_Filter_Op_LowerString,
-        IDX_Filter_Op_LowerEqString,  IDX_Filter_Op_HigherString,    IDX_Filter_Op_HigherEqString,
-        IDX_Filter_Op_BetweenString,  IDX_Filter_Op_LikeString,      IDX_Filter_Op_NotLikeString};
+        IDX_Filter_Op_EqualString,   IDX_Filter_Op_DifferentString, IDX_Filter_Op_LowerString,
+        IDX_Filter_Op_LowerEqString, IDX_Filter_Op_HigherString,    IDX_Filter_Op_HigherEqString,
+        IDX_Filter_Op_BetweenString, IDX_Filter_Op_LikeString,      IDX_Filter_Op_NotLikeString};
     static const IDX_Filter_Operator kBool[] = {IDX_Filter_Op_EqualBoolean,
                                                 IDX_Filter_Op_DifferentBoolean};
     IDX_Filter_ValueType type;
     IDX_Filter_Operator op;
     switch (Below(4)) {
-      case 0: type = IDX_Filter_Type_Int, op = kInt[Below(7)]; break;
-      case 1: type = IDX_Filter_Type_Float, op = kFloat[Below(7)]; break;
-      case 2: type = IDX_Filter_Type_String, op = kString[Below(9)]; break;
-      default: type = IDX_Filter_Type_Boolean, op = kBool[Below(2)]; break;
+      case 0:
+        type = IDX_Filter_Type_Int, op = kInt[Below(7)];
+        break;
+      case 1:
+        type = IDX_Filter_Type_Float, op = kFloat[Below(7)];
+        break;
+      case 2:
+        type = IDX_Filter_Type_String, op = kString[Below(9)];
+        break;
+      default:
+        type = IDX_Filter_Type_Boolean, op = kBool[Below(2)];
+        break;
     }
     if (IDX_Filter_Infos::NumberOfOperands[op] == 2) {
       // A range missing a bound renders without it: no text stands for it.
@@ -290,7 +302,8 @@ std::vector<Part> SampleParts() {
     if (random() % 9 != 0) part.mass = static_cast<float>(random() % 100) / 8.0f;
     if (random() % 9 != 0) part.count = static_cast<int>(random() % 20) - 5;
     if (random() % 9 != 0) part.released = random() % 2 == 0;
-    if (random() % 9 != 0) part.modified = 1763800000 + static_cast<std::int64_t>(random() % 200000);
+    if (random() % 9 != 0)
+      part.modified = 1763800000 + static_cast<std::int64_t>(random() % 200000);
     parts.push_back(part);
   }
   return parts;
@@ -319,9 +332,13 @@ TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
       {"mass BETWEEN 2 AND 5",  // integer bounds become floats
        [](const Part& p) { return If(p.mass, [](float m) { return m >= 2 && m <= 5; }); }},
       {"count IN {1, -2 3}",
-       [](const Part& p) { return If(p.count, [](int c) { return c == 1 || c == -2 || c == 3; }); }},
+       [](const Part& p) {
+         return If(p.count, [](int c) { return c == 1 || c == -2 || c == 3; });
+       }},
       {"name LIKE 'olt'",  // LIKE patterns are found anywhere in the subject
-       [](const Part& p) { return If(p.name, [](const std::string& n) { return n.find("olt") != std::string::npos; }); }},
+       [](const Part& p) {
+         return If(p.name, [](const std::string& n) { return n.find("olt") != std::string::npos; });
+       }},
       {"name NOT LIKE \"*t*\"",
        [](const Part& p) {
          return If(p.name, [](const std::string& n) { return n.find('t') == std::string::npos; });
@@ -348,7 +365,7 @@ TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
     for (const Part& part : SampleParts()) {
       reader.part = &part;
       const std::optional<bool> expected = c.expected(part);
-      const KORStatus want = !expected ? IDX_FILTER_UNDECIDABLE
+      const KORStatus want = !expected   ? IDX_FILTER_UNDECIDABLE
                              : *expected ? IDX_FILTER_HOLDS
                                          : IDX_FILTER_DOES_NOT;
       ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want)
@@ -393,11 +410,10 @@ TEST(FilterParserTyping, ChoosesTypedOperatorsAndPromotesIntegerConstants) {
       {"Part.count BETWEEN -1 7", "( Part.count BETWEEN -1 7 )"},
       {"mass IN {1 2.5}", "( Part.mass IN  )"},
       {"released <> TRUE", "( Part.released <> true )"},
-      {"name = 'it''s' OR name = \"say \"\"hi\"\"\"", "( ( Part.name = \"it's\" ) | ( Part.name = \"say \"hi\"\" ) )"},
-      {"a = 1 OR b = 2", nullptr},  // unknown names: checked below
+      {"name = 'it''s' OR name = \"say \"\"hi\"\"\"",
+       "( ( Part.name = \"it's\" ) | ( Part.name = \"say \"hi\"\" ) )"},
   };
   for (const auto& c : kCases) {
-    if (c.rendering == nullptr) continue;
     auto filter = MustParse(parser, c.text);
     ASSERT_NE(filter, nullptr);
     EXPECT_EQ(Render(filter.get()), c.rendering);
@@ -444,7 +460,8 @@ TEST(FilterParserErrors, NameTheLineAndColumnAndPointAtTheFault) {
   } kCases[] = {
       {"", 1, 1, "expected an operand, found the end of the filter"},
       {"count >", 1, 8, "expected an operand, found the end of the filter"},
-      {"count 3", 1, 7, "expected a comparison (=, <>, <, <=, >, >=, BETWEEN, IN, LIKE, NOT_LIKE) after 'count'"},
+      {"count 3", 1, 7,
+       "expected a comparison (=, <>, <, <=, >, >=, BETWEEN, IN, LIKE, NOT_LIKE) after 'count'"},
       {"(count = 1", 1, 11, "expected ')' to close the '(' at line 1, column 1"},
       {"count = 1)", 1, 10, "expected AND, OR or the end of the filter"},
       {"count = 1 AND\n  name = \"x", 2, 10, "unterminated string"},
@@ -497,9 +514,12 @@ TEST(FilterParserTime, ReadsIsoDatesAsUtcAndRefusesImpossibleDays) {
     const char* text;
     int year, month, day, hour, minute, second;
   } kValid[] = {
-      {"1970-01-01", 1970, 1, 1, 0, 0, 0},      {"2000-02-29T12:00:00", 2000, 2, 29, 12, 0, 0},
-      {"2026-11-22T10:30:00Z", 2026, 11, 22, 10, 30, 0}, {"1900-03-01", 1900, 3, 1, 0, 0, 0},
-      {"9999-12-31T23:59:59", 9999, 12, 31, 23, 59, 59}, {"1969-12-31T23:59:59", 1969, 12, 31, 23, 59, 59},
+      {"1970-01-01", 1970, 1, 1, 0, 0, 0},
+      {"2000-02-29T12:00:00", 2000, 2, 29, 12, 0, 0},
+      {"2026-11-22T10:30:00Z", 2026, 11, 22, 10, 30, 0},
+      {"1900-03-01", 1900, 3, 1, 0, 0, 0},
+      {"9999-12-31T23:59:59", 9999, 12, 31, 23, 59, 59},
+      {"1969-12-31T23:59:59", 1969, 12, 31, 23, 59, 59},
   };
   for (const auto& c : kValid) {
     std::tm fields{};

@@ -1,10 +1,10 @@
 // The tool's typed CSV reader: quoting, line ends, types, missing values
 // and the line numbers of its errors.
+#include "csv_table.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "csv_table.h"
 
 namespace idxbase_tool {
 namespace {
@@ -54,12 +54,18 @@ TEST(CsvTable, RefusesBadInputNamingTheLine) {
     const char* message;
   } kCases[] = {
       {"", 1, "no header line"},
-      {"a:int,b\n", 1, "header field 'b' needs a type: name:string, name:int, name:float, name:bool or name:time"},
+      {"a:int,b\n", 1,
+       "header field 'b' needs a type: name:string, name:int, name:float, name:bool or name:time"},
       {"a:int,a:float\n", 1, "column 'a' appears twice"},
-      {"1a:int\n", 1, "column name '1a' is not a name a filter can use (letters, digits and _, not a keyword)"},
-      {"x:int,In:int\n", 1, "column name 'In' is not a name a filter can use (letters, digits and _, not a keyword)"},
-      {"a.b:int\n", 1, "column name 'a.b' is not a name a filter can use (letters, digits and _, not a keyword)"},
-      {"a:integer\n", 1, "header field 'a:integer' needs a type: name:string, name:int, name:float, name:bool or name:time"},
+      {"1a:int\n", 1,
+       "column name '1a' is not a name a filter can use (letters, digits and _, not a keyword)"},
+      {"x:int,In:int\n", 1,
+       "column name 'In' is not a name a filter can use (letters, digits and _, not a keyword)"},
+      {"a.b:int\n", 1,
+       "column name 'a.b' is not a name a filter can use (letters, digits and _, not a keyword)"},
+      {"a:integer\n", 1,
+       "header field 'a:integer' needs a type: name:string, name:int, name:float, name:bool or "
+       "name:time"},
       {"a:int,b:int\n1,2\n3\n", 3, "1 fields where the header has 2"},
       {"a:int\n2147483648\n", 2, "column 'a': '2147483648' is not an int"},
       {"a:int\n 1\n", 2, "column 'a': ' 1' is not an int"},

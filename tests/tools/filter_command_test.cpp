@@ -35,9 +35,8 @@ std::string Line(const Row& row) {
   if (row.mass) std::snprintf(mass, sizeof mass, "%.2f", *row.mass);
   char day[32] = "";
   if (row.day) std::snprintf(day, sizeof day, "2026-11-%02dT12:00:00", *row.day);
-  return row.name.value_or("") + "," + mass + "," +
-         (row.count ? std::to_string(*row.count) : "") + "," +
-         (row.released ? (*row.released ? "true" : "false") : "") + "," + day;
+  return row.name.value_or("") + "," + mass + "," + (row.count ? std::to_string(*row.count) : "") +
+         "," + (row.released ? (*row.released ? "true" : "false") : "") + "," + day;
 }
 
 std::vector<Row> RandomRows(int n) {
@@ -45,7 +44,8 @@ std::vector<Row> RandomRows(int n) {
   static const char* const kNames[] = {"bolt", "Bolt", "nut", "washer", "gear"};
   std::vector<Row> rows(n);
   for (Row& row : rows) {
-    if (random() % 10 != 0) row.name = std::string(kNames[random() % 5]) + std::to_string(random() % 10);
+    if (random() % 10 != 0)
+      row.name = std::string(kNames[random() % 5]) + std::to_string(random() % 10);
     if (random() % 10 != 0) row.mass = static_cast<double>(random() % 40) / 4;
     if (random() % 10 != 0) row.count = static_cast<int>(random() % 30) - 10;
     if (random() % 10 != 0) row.released = random() % 2 == 0;
@@ -80,7 +80,9 @@ TEST_F(FilterCommand, PrintsExactlyTheRowsWhereTheFilterHolds) {
                 (r.count && *r.count >= 1 && *r.count <= 3);
        }},
       {"count BETWEEN -2 AND 4 AND NOT mass >= 5",
-       [](const Row& r) { return r.count && r.mass && *r.count >= -2 && *r.count <= 4 && !(*r.mass >= 5); }},
+       [](const Row& r) {
+         return r.count && r.mass && *r.count >= -2 && *r.count <= 4 && !(*r.mass >= 5);
+       }},
       {"modified < @2026-11-10 | name = \"nut3\"",
        [](const Row& r) { return (r.day && *r.day < 10) || (r.name && *r.name == "nut3"); }},
   };
@@ -107,8 +109,8 @@ TEST_F(FilterCommand, CountsExplainsVariablesAndCase) {
   EXPECT_EQ(result.output, "1 holds, 3 does not hold, 1 undecidable, of 5 records\n");
   result = RunTool({"filter", "--count", "--case-insensitive", "--where", "name = 'bolt'", csv});
   EXPECT_EQ(result.output, "3 holds, 1 does not hold, 1 undecidable, of 5 records\n");
-  result = RunTool({"filter", "--explain", "--var", "who=nut", "--where",
-                    "name = $who AND count > 1", csv});
+  result = RunTool(
+      {"filter", "--explain", "--var", "who=nut", "--where", "name = $who AND count > 1", csv});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.output, std::string("filter: ( ( Row.name =  ) & ( Row.count > 1 ) )\n") +
                                kHeader + "\n" + Line(rows[2]) + "\n");
@@ -146,14 +148,15 @@ TEST_F(FilterCommand, ReportsBadFiltersAndFilesClearly) {
   WriteFile(Path("bad.csv"), "a:int,b:float\n1,2\n\"x\ny\",3\n4,5x\n");
   result = RunTool({"filter", "--where", "a = 1", Path("bad.csv")});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.output, "idxbase filter: " + Path("bad.csv") +
-                               ": line 3: column 'a': 'x\ny' is not an int\n");
+  EXPECT_EQ(result.output,
+            "idxbase filter: " + Path("bad.csv") + ": line 3: column 'a': 'x\ny' is not an int\n");
   result = RunTool({"filter", "--where", "a = 1", Path("missing.csv")});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.output, StartsWith("idxbase filter: " + Path("missing.csv") + ": "));
-  for (const std::vector<std::string>& usage :
-       {std::vector<std::string>{"filter", csv}, {"filter", "--where", "a=1"},
-        {"filter", "--where", "a=1", "--file", "f", csv}, {"filter", "--var", "x", "--where", "a=1", csv}}) {
+  for (const std::vector<std::string>& usage : {std::vector<std::string>{"filter", csv},
+                                                {"filter", "--where", "a=1"},
+                                                {"filter", "--where", "a=1", "--file", "f", csv},
+                                                {"filter", "--var", "x", "--where", "a=1", csv}}) {
     EXPECT_EQ(RunTool(usage).exitCode, 2) << usage.back();
   }
 }

@@ -32,7 +32,8 @@ TEST_F(ChecksumCommand, WritesTheDigestAndASummary) {
   EXPECT_EQ(0, run.exitCode) << run.output;
   EXPECT_EQ(kAbcDigest, ReadFile(abc + ".checksum"));
   EXPECT_EQ("D41D8CD98F00B204E9800998ECF8427E", ReadFile(empty + ".checksum"));
-  EXPECT_THAT(run.output, ContainsRegex("^2 files, 3 B in [0-9]+\\.[0-9]{2} s \\([0-9.]+ [KMGTP]?i?B/s\\)\n$"));
+  EXPECT_THAT(run.output,
+              ContainsRegex("^2 files, 3 B in [0-9]+\\.[0-9]{2} s \\([0-9.]+ [KMGTP]?i?B/s\\)\n$"));
 }
 
 TEST_F(ChecksumCommand, VerifiesAcrossReadBlocksWhatTheLibraryWrote) {
@@ -59,9 +60,10 @@ TEST_F(ChecksumCommand, OnATerminalLargeFilesShowProgressAndWriteTheLibrarysChec
   const std::string onTerminal = WriteData("terminal.bin", content);
   const std::string plain = WriteData("plain.bin", content);
   // script(1) gives the tool a pseudo-terminal for its standard error.
-  const ChildResult run = RunChild(
-      {"/usr/bin/script", "-qec", BuiltProgram("tools/idxbase") + " checksum " + onTerminal, "/dev/null"},
-      {{"PATH", "/usr/bin:/bin"}});
+  const ChildResult run =
+      RunChild({"/usr/bin/script", "-qec",
+                BuiltProgram("tools/idxbase") + " checksum " + onTerminal, "/dev/null"},
+               {{"PATH", "/usr/bin:/bin"}});
   ASSERT_EQ(0, run.exitCode) << run.output;
   // The bar redraws ten times a second at most, and a fast digest may end
   // first; its line is erased in any case.
@@ -115,8 +117,8 @@ TEST_F(ChecksumCommand, UnreadableInputsFailWithoutLeavingAChecksumFile) {
   std::filesystem::create_directory(directory);
   ChildResult run = RunTool({"checksum", missing, directory});
   EXPECT_EQ(1, run.exitCode) << run.output;
-  EXPECT_THAT(run.output,
-              HasSubstr("idxbase checksum: " + missing + ": cannot read: No such file or directory"));
+  EXPECT_THAT(run.output, HasSubstr("idxbase checksum: " + missing +
+                                    ": cannot read: No such file or directory"));
   EXPECT_THAT(run.output,
               HasSubstr("idxbase checksum: " + directory + ": cannot read: Is a directory"));
   EXPECT_FALSE(FileExists(missing + ".checksum"));

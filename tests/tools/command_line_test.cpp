@@ -61,7 +61,8 @@ TEST(ToolCommandLine, AboutPrintsTheVersion) {
 
 TEST(ParseArguments, SortsOptionsOperandsAndTheRest) {
   const idxbase_tool::CommandHelp help{"test", "", ""};
-  std::string texts[] = {"a", "--owner=5", "-", "--quiet", "--owner", "7", "b", "--", "--quiet", "c"};
+  std::string texts[] = {"a", "--owner=5", "-",  "--quiet", "--owner",
+                         "7", "b",         "--", "--quiet", "c"};
   std::vector<char*> argv;
   for (std::string& text : texts) argv.push_back(text.data());
   idxbase_tool::ParsedArguments parsed;
@@ -85,10 +86,17 @@ TEST(ParseInt, TakesWholeIntsOnly) {
     bool valid;
     int value;
   } cases[] = {
-      {"0", true, 0},           {"-12", true, -12},       {"2147483647", true, 2147483647},
-      {"-2147483648", true, -2147483647 - 1},             {"2147483648", false, 0},
-      {"", false, 0},           {" 1", false, 0},         {"+1", false, 0},
-      {"1 ", false, 0},         {"0x10", false, 0},       {"abc", false, 0},
+      {"0", true, 0},
+      {"-12", true, -12},
+      {"2147483647", true, 2147483647},
+      {"-2147483648", true, -2147483647 - 1},
+      {"2147483648", false, 0},
+      {"", false, 0},
+      {" 1", false, 0},
+      {"+1", false, 0},
+      {"1 ", false, 0},
+      {"0x10", false, 0},
+      {"abc", false, 0},
   };
   for (const auto& c : cases) {
     int value = 0;

@@ -59,8 +59,9 @@ TEST(FlagsCommand, TableGivesVariableRuleDefaultAndValue) {
   }
   EXPECT_THAT(Row(run.output, "_FastCV"),
               ElementsAre("_FastCV", "IDXFastCV", "switch", "true", "false"));
-  EXPECT_THAT(Row(run.output, "QueryTimerMilliSecond()"),
-              ElementsAre("QueryTimerMilliSecond()", "IDXQueryMaxDuration", "seconds", "0", "30000"));
+  EXPECT_THAT(
+      Row(run.output, "QueryTimerMilliSecond()"),
+      ElementsAre("QueryTimerMilliSecond()", "IDXQueryMaxDuration", "seconds", "0", "30000"));
   EXPECT_THAT(Row(run.output, "isPlmIndexDisabled()"),
               ElementsAre("isPlmIndexDisabled()", "PLM_INDEX_DISABLED", "defined,", "per", "call",
                           "false", "false"));

@@ -1,7 +1,8 @@
 // The evaluation functions of basic expressions and their table. Each
 // comparison reads its operands into the expression's value slots and
-// compares them; only the membership tests build a (pointer) list.
-#include "filter/fixed_operands.h"
+// compares them; only a membership test over a set that is not made of the
+// library's constants builds a (pointer) list.
+#include "filter/constant_values.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 
@@ -61,18 +62,19 @@ KORTime& Basic::SlotOf<KORTime>(int position) {
   return m_TimeValue[position];
 }
 
+using idxbase::detail::ConstantOf;
+using idxbase::detail::ConstantValues;
+
 template <class Value>
 KORStatus Basic::Read(int position, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  Fixing& fixing = m_Fixing[position];
-  if (fixing == Fixing::kFixed) return KOR_S_OK;  // the slot holds the kept value
-  if (fixing == Fixing::kFixedFailure) return KOR_E_FAIL;
-  BBDOperand* operand = m_Operand[position];
-  const KORStatus status =
-      operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK ? KOR_E_FAIL
-                                                                                        : KOR_S_OK;
-  if (fixing == Fixing::kFixable)
-    fixing = status == KOR_S_OK ? Fixing::kFixed : Fixing::kFixedFailure;
-  return status;
+  BBDOperand* operand = m_Operand[position].get();
+  if (m_Exact[position] == ConstantOf<Value>::kKind) {
+    ConstantValues::Read(*operand, SlotOf<Value>(position));
+    return KOR_S_OK;
+  }
+  return operand == nullptr || Get(*operand, o, c, r, SlotOf<Value>(position)) != KOR_S_OK
+             ? KOR_E_FAIL
+             : KOR_S_OK;
 }
 
 template <class Value, class Holds>
@@ -94,79 +96,50 @@ KORStatus Basic::CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttrib
   return Decide(holds(SlotOf<Value>(0), SlotOf<Value>(1), SlotOf<Value>(2)));
 }
 
-// Integer and float elements are kept; the other types are read each time.
-template <class Value>
-std::vector<Value>* Basic::FixedSetValues() {
-  return nullptr;
-}
-template <>
-std::vector<int>* Basic::FixedSetValues<int>() {
-  return &m_FixedSetInts;
-}
-template <>
-std::vector<float>* Basic::FixedSetValues<float>() {
-  return &m_FixedSetFloats;
-}
-
-template <class Value>
-void Basic::FixSet(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  m_SetFixing = Fixing::kReadEachTime;
-  std::vector<Value>* values = FixedSetValues<Value>();
-  if (values == nullptr) return;
-  values->clear();
-  m_FixedSetReadable.clear();
-  const KORListPtrBBDOperand& list = m_SetElements;
-  for (int position = 1; position <= list.Size(); ++position) {
-    BBDOperand* element = list[position];
-    if (element != nullptr && !idxbase::detail::IsFixedConstant(*element)) return;
-    Value value{};
-    const bool readable = element != nullptr && Get(*element, o, c, r, value) == KOR_S_OK;
-    values->push_back(value);
-    m_FixedSetReadable.push_back(readable ? 1 : 0);
-  }
-  m_SetFixing = Fixing::kFixed;
-}
-
 // An element that gives no value (or is null) makes the test undecidable
-// unless an earlier element matched. The list holds pointers only: the
-// elements stay owned by the set.
+// unless an earlier element matched. The element pointers are read into a
+// list of this test's own: the elements stay owned by the set, and nothing
+// that a read does to another test's list can reach this one.
 template <class Value, class Same>
 KORStatus Basic::IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Same same) {
   if (Read<Value>(0, o, c, r) != KOR_S_OK) return IDX_FILTER_UNDECIDABLE;
-  if (m_SetFixing == Fixing::kFixed) {
-    // Kept while the set has the same elements: sets only grow by Append.
-    const auto* set = static_cast<const BBDOperandSet*>(m_Operand[1]);
-    if (static_cast<std::size_t>(set->Size()) == m_FixedSetReadable.size()) {
-      return FindFixedMember<Value>(same);
-    }
-    m_SetFixing = Fixing::kFixable;
-  }
-  if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, m_SetElements) != KOR_S_OK) {
-    m_SetElements.RemoveAll(KORCollec::KeepMemory);
+  if (m_Exact[1] == idxbase::detail::ExactOperand::kSet) return FindInLibrarySet<Value>(o, c, r, same);
+  KORListPtrBBDOperand elements;
+  if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, elements) != KOR_S_OK) {
     return IDX_FILTER_UNDECIDABLE;
   }
-  if (m_SetFixing == Fixing::kFixable) FixSet<Value>(o, c, r);
-  const KORStatus result = FindMember<Value>(o, c, r, same);
-  m_SetElements.RemoveAll(KORCollec::KeepMemory);
-  return result;
+  return FindMember<Value>(elements, o, c, r, same);
 }
 
+// The library set's GetValSet hands out its element pointers and does
+// nothing else, so reading them in place is the same until a read may call
+// the caller's code, which could change the set: from there on the test
+// goes on over a copy of the remaining pointers, taken before that read.
 template <class Value, class Same>
-KORStatus Basic::FindFixedMember(Same same) {
-  const std::vector<Value>& values = *FixedSetValues<Value>();
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (m_FixedSetReadable[i] == 0) return IDX_FILTER_UNDECIDABLE;
-    if (same(SlotOf<Value>(0), values[i])) return IDX_FILTER_HOLDS;
+KORStatus Basic::FindInLibrarySet(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                                  Same same) {
+  const auto& set = ConstantValues::Elements(*m_Operand[1]);
+  const int size = set.Size();
+  for (int position = 1; position <= size; ++position) {
+    const BBDOperand* element = set[position];
+    if (element == nullptr) return IDX_FILTER_UNDECIDABLE;
+    if (!idxbase::detail::IsExactConstant<Value>(*element)) {
+      KORListPtrBBDOperand rest;
+      for (int next = position; next <= size; ++next) rest.Append(set[next]);
+      return FindMember<Value>(rest, o, c, r, same);
+    }
+    Value value{};
+    ConstantValues::Read(*element, value);
+    if (same(SlotOf<Value>(0), value)) return IDX_FILTER_HOLDS;
   }
   return IDX_FILTER_DOES_NOT;
 }
 
 template <class Value, class Same>
-KORStatus Basic::FindMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-                            Same same) {
-  const KORListPtrBBDOperand& list = m_SetElements;
-  for (int position = 1; position <= list.Size(); ++position) {
-    BBDOperand* element = list[position];
+KORStatus Basic::FindMember(const KORListPtrBBDOperand& elements, const BBDOccurrence& o,
+                            unsigned int c, BBDIAttributeRead& r, Same same) {
+  for (int position = 1; position <= elements.Size(); ++position) {
+    BBDOperand* element = elements[position];
     Value value{};
     if (element == nullptr || Get(*element, o, c, r, value) != KOR_S_OK) {
       return IDX_FILTER_UNDECIDABLE;

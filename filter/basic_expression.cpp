@@ -2,7 +2,7 @@
 // expressions; the comparisons themselves are in basic_comparisons.cpp.
 #include <cstdio>
 
-#include "filter/fixed_operands.h"
+#include "filter/constant_values.h"
 #include "filter/operator_names.h"
 #include "filter/string_compare.h"
 #include "idxbase/filter_expressions.h"
@@ -26,18 +26,21 @@ BBDBasicExpression::BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first
 BBDBasicExpression::BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first,
                                        BBDOperand* second, BBDOperand* third)
     : BBDExpression(op),
-      m_Operand{first, second, third},
-      m_Owner{std::shared_ptr<BBDOperand>(first), std::shared_ptr<BBDOperand>(second),
-              std::shared_ptr<BBDOperand>(third)},
+      m_Operand{std::shared_ptr<BBDOperand>(first), std::shared_ptr<BBDOperand>(second),
+                std::shared_ptr<BBDOperand>(third)},
+      m_Exact{idxbase::detail::ExactClassOf(first), idxbase::detail::ExactClassOf(second),
+              idxbase::detail::ExactClassOf(third)},
       m_EvalFunction(op >= 0 && op < IDX_Filter_Infos::kOperatorCount ? m_EvalFunctionTable[op]
                                                                       : nullptr) {}
 
 BBDBasicExpression::BBDBasicExpression(const BBDBasicExpression& other) = default;
 BBDBasicExpression& BBDBasicExpression::operator=(const BBDBasicExpression& other) = default;
 
-// The shared owners delete the operands with the last expression holding
-// them.
-BBDBasicExpression::~BBDBasicExpression() = default;
+// Lets go of the operands in order; the last expression holding an
+// operand deletes it.
+BBDBasicExpression::~BBDBasicExpression() {
+  for (std::shared_ptr<BBDOperand>& operand : m_Operand) operand.reset();
+}
 
 KORStatus BBDBasicExpression::eval(const BBDOccurrence& occurrence, unsigned int context,
                                    BBDIAttributeRead& reader, bool caseSensitive) {
@@ -58,22 +61,12 @@ int BBDBasicExpression::CompareLikeStrings(int lengthS, const char* s, int lengt
 }
 
 BBDExpression* BBDBasicExpression::Compile() {
-  // From now on the values of constants are read once and kept.
-  for (int position = 0; position < 3; ++position) {
-    const BBDOperand* operand = m_Operand[position];
-    m_Fixing[position] = operand != nullptr && idxbase::detail::IsFixedConstant(*operand)
-                             ? Fixing::kFixable
-                             : Fixing::kReadEachTime;
-  }
-  m_SetFixing = m_Operand[1] != nullptr && idxbase::detail::IsLibrarySet(*m_Operand[1])
-                    ? Fixing::kFixable
-                    : Fixing::kReadEachTime;
   if (m_Operand[0] == nullptr || m_Operand[1] == nullptr) {
     std::printf("Warning : null operand in BBDBasicExpression::Compile()\n");
     return this;
   }
   bool notAvailable = false;
-  for (BBDOperand* operand : m_Operand) {
+  for (const std::shared_ptr<BBDOperand>& operand : m_Operand) {
     if (operand != nullptr && operand->GetValueType() == IDX_Filter_Type_NA) notAvailable = true;
   }
   if (notAvailable) return new BBDNAExpression();
@@ -82,17 +75,18 @@ BBDExpression* BBDBasicExpression::Compile() {
 
 void BBDBasicExpression::toString(KORUnicodeString& text) {
   text += "( ";
-  text += m_Operand[0] != nullptr ? Rendering(m_Operand[0]) : KORUnicodeString("NullOperand");
+  text += m_Operand[0] != nullptr ? Rendering(m_Operand[0].get())
+                                  : KORUnicodeString("NullOperand");
   text += " ";
   text += idxbase::detail::OperatorName(GetOperator());
   text += " ";
   if (m_Operand[1] == nullptr) {
     text += "NullOperand";
   } else {
-    text += Rendering(m_Operand[1]);
+    text += Rendering(m_Operand[1].get());
     if (m_Operand[2] != nullptr) {
       text += " ";
-      text += Rendering(m_Operand[2]);
+      text += Rendering(m_Operand[2].get());
     }
   }
   text += " )";

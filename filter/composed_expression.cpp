@@ -110,20 +110,20 @@ KORStatus BBDComposedExpression::EvalAnd(const BBDOccurrence& o, unsigned int c,
   return IDX_FILTER_HOLDS;
 }
 
-// An or keeps itself when the side it would collapse to is missing, so
-// that compiling never turns a tree into nothing.
+// The sides are asked whether they are NA only as far as the operator
+// needs: an and asks its second side only when the first is not NA, an or
+// likewise, and a not asks nothing. An or collapses to its other side even
+// when that side is missing: the holder then keeps null.
 BBDExpression* BBDComposedExpression::Compile() {
   BBDExpression::Compile(m_First);
   BBDExpression::Compile(m_Second);
-  const bool firstNA = IsNotAvailable(m_First);
-  const bool secondNA = IsNotAvailable(m_Second);
   switch (GetOperator()) {
     case IDX_Filter_Op_And:
-      if (firstNA || secondNA) return new BBDNAExpression();
+      if (IsNotAvailable(m_First) || IsNotAvailable(m_Second)) return new BBDNAExpression();
       return this;
     case IDX_Filter_Op_Or:
-      if (firstNA && m_Second != nullptr) return Detach(m_Second);
-      if (!firstNA && secondNA && m_First != nullptr) return Detach(m_First);
+      if (IsNotAvailable(m_First)) return Detach(m_Second);
+      if (IsNotAvailable(m_Second)) return Detach(m_First);
       return this;
     default:
       return this;

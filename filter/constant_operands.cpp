@@ -1,7 +1,7 @@
 // The NA operand and the integer, float, boolean and time constants.
 #include <typeinfo>
 
-#include "filter/fixed_operands.h"
+#include "filter/constant_values.h"
 #include "idxbase/filter_operands.h"
 
 IDX_Filter_OperandType BBDNAOperand::GetOperandType() { return IDX_Filter_Operand_Constant; }
@@ -52,12 +52,16 @@ void BBDOperandTimeConst::toString(KORUnicodeString& text) { text = "time unsupp
 
 namespace idxbase::detail {
 
-bool IsFixedConstant(const BBDOperand& operand) {
-  const std::type_info& type = typeid(operand);
-  return type == typeid(BBDOperandIntConst) || type == typeid(BBDOperandFloatConst) ||
-         type == typeid(BBDOperandBooleanConst) || type == typeid(BBDOperandTimeConst);
+ExactOperand ExactClassOf(const BBDOperand* operand) {
+  if (operand == nullptr) return ExactOperand::kOther;
+  const std::type_info& type = typeid(*operand);
+  if (type == typeid(BBDOperandIntConst)) return ExactOperand::kInt;
+  if (type == typeid(BBDOperandFloatConst)) return ExactOperand::kFloat;
+  if (type == typeid(BBDOperandBooleanConst)) return ExactOperand::kBoolean;
+  if (type == typeid(BBDOperandStringConst)) return ExactOperand::kString;
+  if (type == typeid(BBDOperandTimeConst)) return ExactOperand::kTime;
+  if (type == typeid(BBDOperandSet)) return ExactOperand::kSet;
+  return ExactOperand::kOther;
 }
-
-bool IsLibrarySet(const BBDOperand& operand) { return typeid(operand) == typeid(BBDOperandSet); }
 
 }  // namespace idxbase::detail

@@ -424,5 +424,6 @@ KORStatus BBDFilterParser::Parse(std::string_view text, BBDExpression*& root,
   }
   root = tree.release();
   if (m_Compile) BBDExpression::Compile(root);
+  if (root == nullptr) root = new BBDNAExpression();
   return KOR_S_OK;
 }

@@ -14,12 +14,11 @@ BBDOperandMultiType::~BBDOperandMultiType() = default;
 
 KORStatus BBDOperandMultiType::CheckTypePath(const BBDOccurrence& occurrence, unsigned int level,
                                              BBDIAttributeRead& reader) {
-  const KORListPtrBBDTypeInfo& types = m_Types.list();
-  const unsigned int count = static_cast<unsigned int>(types.Size());
+  const unsigned int count = static_cast<unsigned int>(m_Types.Size());
   if (level - 1u + count >= occurrence.GetLevelCount()) return KOR_E_FAIL;
   for (unsigned int i = 1; i < count; ++i) {
     int isOfType = 0;
-    if (reader.IsOfType(occurrence, level + i - 1u, types[static_cast<int>(i)], isOfType) == 0 ||
+    if (reader.IsOfType(occurrence, level + i - 1u, m_Types[static_cast<int>(i)], isOfType) == 0 ||
         isOfType == 0) {
       return KOR_E_FAIL;
     }

@@ -15,15 +15,14 @@ IDX_Filter_ValueType BBDOperandSet::GetValueType() { return IDX_Filter_Type_Set;
 
 KORStatus BBDOperandSet::GetValSet(const BBDOccurrence&, unsigned int, BBDIAttributeRead&,
                                    KORListPtrBBDOperand& value) {
-  if (&value != &m_Elements.list()) value = m_Elements.list();
+  m_Elements.CopyTo(value);
   return KOR_S_OK;
 }
 
 void BBDOperandSet::print() {
-  const KORListPtrBBDOperand& elements = m_Elements.list();
   std::printf("{ ");
-  for (int position = 1; position <= elements.Size(); ++position) {
-    BBDOperand* element = elements[position];
+  for (int position = 1; position <= m_Elements.Size(); ++position) {
+    BBDOperand* element = m_Elements[position];
     if (element == nullptr) continue;
     element->print();
     std::printf(" ");

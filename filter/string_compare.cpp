@@ -45,7 +45,8 @@ const char* FindByte(const char* cursor, const char* last, char c) {
 // First position at or after `from` where the `length` bytes of `segment`
 // occur in s[0, lengthS), or -1.
 int FindExact(const char* s, int from, int lengthS, const char* segment, int length) {
-  const char* const last = s + lengthS - length + 1;  // one past the last candidate
+  if (length > lengthS - from) return -1;  // also keeps `last` inside s
+  const char* const last = s + (lengthS - length + 1);  // one past the last candidate
   for (const char* cursor = s + from; cursor < last; ++cursor) {
     cursor = FindByte(cursor, last, segment[0]);
     if (cursor == nullptr) return -1;
@@ -61,7 +62,8 @@ int FindExact(const char* s, int from, int lengthS, const char* segment, int len
 int FindFolded(const char* s, int from, int lengthS, const char* segment, int length) {
   const unsigned char first = Fold(Byte(segment, 0));
   const bool firstHasCase = first >= 'a' && first <= 'z';
-  const char* const last = s + lengthS - length + 1;  // one past the last candidate
+  if (length > lengthS - from) return -1;  // also keeps `last` inside s
+  const char* const last = s + (lengthS - length + 1);  // one past the last candidate
   for (const char* cursor = s + from; cursor < last; ++cursor) {
     if (firstHasCase) {
       if (Fold(static_cast<unsigned char>(*cursor)) != first) continue;

@@ -160,7 +160,7 @@ class IDXBASE_API BBDOperandMultiType : public BBDOperandAttribute {
  protected:
   BBDOperandMultiType(const KORListPtrBBDTypeInfo& types, IDX_Filter_ValueType valueType);
 
-  int GetTypesNumber() const { return m_Types.list().Size(); }
+  int GetTypesNumber() const { return m_Types.Size(); }
   // KOR_S_OK when the occurrence has the levels level .. level + N - 1
   // (N the path's length, computed in unsigned 32-bit arithmetic, so N = 0
   // at level 0 fails) and the object at level + i - 1 is of the path's
@@ -170,7 +170,7 @@ class IDXBASE_API BBDOperandMultiType : public BBDOperandAttribute {
                           BBDIAttributeRead& reader);
 
  private:
-  idxbase::detail::SharedElements<BBDTypeInfo, KORListPtrBBDTypeInfo> m_Types;
+  idxbase::detail::SharedElements<BBDTypeInfo> m_Types;
 };
 
 // An attribute at the end of a path of types: each read first checks the

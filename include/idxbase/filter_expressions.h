@@ -49,6 +49,16 @@ class IDXBASE_API BBDExpression {
   virtual bool IsActive();
   // Renders the expression into `text` (the base writes nothing).
   virtual void toString(KORUnicodeString& text);
+
+ protected:
+  // The expression to use in place of this one (this one by default).
+  virtual BBDExpression* Compile();
+
+ public:
+  // Declared after Compile so that the virtual slots 0-9 (destructor,
+  // print, GetOperator, eval, IsConstant, GetConstantResult, IsSpecial,
+  // IsActive, toString, Compile) keep their order; additions go after them.
+  //
   // A new copy of this expression, owned by the caller; null when the class
   // cannot be duplicated (the base). A copy of a tree holds an NA
   // expression where a sub-expression could not be duplicated.
@@ -56,13 +66,14 @@ class IDXBASE_API BBDExpression {
 
   // Compiles `root` in place: a comparison over an unavailable (NA) operand
   // becomes an NA expression, an and above it becomes NA, an or above it
-  // becomes its other side. When the compiled form is another object the
-  // old one is deleted. A null root stays null.
+  // becomes its other side, which may be missing: the result is then null
+  // (an or over an NA side and a missing side compiles to nothing). When
+  // the compiled form is another object the old one is deleted. A null
+  // root stays null; a caller must test the root for null after compiling
+  // before evaluating it.
   static void Compile(BBDExpression*& root);
 
  protected:
-  // The expression to use in place of this one (this one by default).
-  virtual BBDExpression* Compile();
   // The operator, without a virtual call (for evaluation paths).
   IDX_Filter_Operator Operator() const { return m_Operator; }
 
@@ -75,19 +86,27 @@ class IDXBASE_API BBDExpression {
 // a subject (first operand) and one value, a low and a high bound
 // (between), a set (in) or a pattern (like). The evaluation function is
 // chosen once, at construction; evaluating costs one indirect call plus
-// the operands' reads and allocates nothing except in the membership
-// tests (the first time only: their list storage is reused). An operator
-// without evaluation (0, 1, 2, 22, 32, or outside
-// 0..41) prints "No evaluation function defined.\n" and is undecidable.
+// the operands' reads. An operator without evaluation (0, 1, 2, 22, 32, or
+// outside 0..41) prints "No evaluation function defined.\n" and is
+// undecidable.
 //
-// Owns its operands (any may be null). Evaluation writes into the
-// expression (its value slots) and into the process-wide case switch.
+// Every evaluation asks every operand it needs for its value as it is
+// then. An operand whose dynamic type is exactly one of the library's
+// constant classes (integer, float, boolean, string, time) is read
+// directly, without the virtual call, which gives what its GetValX would:
+// an assignment to it after compilation is seen. Any other operand (an
+// attribute, a user string, a caller's class, even one derived from a
+// library constant) is asked through its virtual read. A membership test
+// over the library's set walks the set's own elements while they are such
+// constants, allocating nothing; from the first element that is not, it
+// copies the remaining element pointers into a local list, as it does for
+// any other set operand, so a read that calls back into the caller cannot
+// disturb the walk.
 //
-// Once compiled, the expression keeps what the library's own integer,
-// float, boolean and time constants give at their first read, and the
-// element values of a set of them, since those never change: later
-// evaluations use the kept values instead of calling the operands again.
-// A set that has grown or shrunk since is read again.
+// Owns its operands (any may be null). Copies share the operands; the last
+// expression holding them deletes them, first, second, then third.
+// Evaluation writes into the expression (its value slots) and into the
+// process-wide case switch.
 class IDXBASE_API BBDBasicExpression : public BBDExpression {
  public:
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second);
@@ -113,11 +132,7 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
  private:
   using EvalFunction = KORStatus (BBDBasicExpression::*)(const BBDOccurrence&, unsigned int,
                                                          BBDIAttributeRead&);
-  // A string value as an operand delivers it: bytes and their length.
-  struct StringSlot {
-    const char* text = nullptr;
-    int length = 0;
-  };
+  using StringSlot = idxbase::detail::StringValue;
 
   static const EvalFunction m_EvalFunctionTable[42];
   static bool _IsCaseSensitive;
@@ -145,9 +160,15 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   template <class Value, class Same>
   IDXBASE_LOCAL KORStatus IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
                                    Same same);
+  // Looks through the library set's own elements, reading its constants
+  // directly, until an element that must be asked through its virtual read.
   template <class Value, class Same>
-  IDXBASE_LOCAL KORStatus FindMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-                                     Same same);
+  IDXBASE_LOCAL KORStatus FindInLibrarySet(const BBDOccurrence& o, unsigned int c,
+                                           BBDIAttributeRead& r, Same same);
+  // Looks through `elements`, asking each for its value.
+  template <class Value, class Same>
+  IDXBASE_LOCAL KORStatus FindMember(const KORListPtrBBDOperand& elements, const BBDOccurrence& o,
+                                     unsigned int c, BBDIAttributeRead& r, Same same);
 
   KORStatus EvalEqualInt(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
   KORStatus EvalEqualString(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
@@ -186,40 +207,19 @@ class IDXBASE_API BBDBasicExpression : public BBDExpression {
   KORStatus EvalNotLikeString(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
   KORStatus EvalUnsupported(const BBDOccurrence&, unsigned int, BBDIAttributeRead&);
 
-  // How an operand position (or the set) is read: at every evaluation;
-  // at the next one, keeping the result (a constant, after Compile); or
-  // not any more, its value (or failure) being kept.
-  enum class Fixing : unsigned char { kReadEachTime, kFixable, kFixed, kFixedFailure };
-  // The kept element values of type Value, or null for a type whose
-  // elements are always read.
-  template <class Value>
-  IDXBASE_LOCAL std::vector<Value>* FixedSetValues();
-  // Keeps the values of the set's elements just read into m_SetElements
-  // when all are the library's constants (or null).
-  template <class Value>
-  IDXBASE_LOCAL void FixSet(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r);
-  template <class Value, class Same>
-  IDXBASE_LOCAL KORStatus FindFixedMember(Same same);
-
-  BBDOperand* m_Operand[3];                // first, second, third
-  std::shared_ptr<BBDOperand> m_Owner[3];  // the same, shared by copies
+  // The operands, first, second and third; copies of the expression share
+  // them, and the last one holding them deletes them in that order.
+  std::shared_ptr<BBDOperand> m_Operand[3];
+  // Which of the library's constants (or its set) each operand is exactly:
+  // those are read directly, as they are at each evaluation.
+  idxbase::detail::ExactOperand m_Exact[3];
   // Value slots, one of each kind per operand position.
   int m_IntValue[3] = {};
   float m_FloatValue[3] = {};
   bool m_BoolValue[3] = {};
   StringSlot m_StringValue[3];
   KORTime m_TimeValue[3];
-  // The set's element pointers during a membership test; kept between
-  // evaluations (emptied) so that its storage is reused.
-  KORListPtrBBDOperand m_SetElements;
   EvalFunction m_EvalFunction;
-  Fixing m_Fixing[3] = {Fixing::kReadEachTime, Fixing::kReadEachTime, Fixing::kReadEachTime};
-  Fixing m_SetFixing = Fixing::kReadEachTime;
-  // Per kept element: 1 when it gave a value; its size is the set's size
-  // when kept.
-  std::vector<unsigned char> m_FixedSetReadable;
-  std::vector<int> m_FixedSetInts;
-  std::vector<float> m_FixedSetFloats;
 };
 
 // A logical not of one expression, or an or / and of two, with the
@@ -249,7 +249,10 @@ class IDXBASE_API BBDComposedExpression : public BBDExpression {
  protected:
   // Compiles both sides in place, then folds: an and with an NA side
   // becomes a new NA expression; an or with an NA side becomes its other
-  // side, detached from this node. A not is kept.
+  // side, detached from this node, or null when that side is missing. A
+  // not is kept. A side is asked IsConstant (then GetConstantResult) only
+  // as far as the operator needs: the second only when the first is not
+  // NA, and nothing for a not.
   BBDExpression* Compile() override;
 
  private:

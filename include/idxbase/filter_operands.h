@@ -18,27 +18,43 @@ class BBDOccurrence;
 class BBDOperand;
 class BBDTypeInfo;
 
-// A reference to one element of a typed pointer list: reads as, and
-// assigns, the element pointer.
-template <class T>
-class KORListPtrRef {
- public:
-  explicit KORListPtrRef(void*& slot) : slot_(slot) {}
-  operator T*() const { return static_cast<T*>(slot_); }  // NOLINT: reads like a T*&
-  T* operator->() const { return static_cast<T*>(slot_); }
-  KORListPtrRef& operator=(T* element) {
-    slot_ = element;
-    return *this;
-  }
-  KORListPtrRef& operator=(const KORListPtrRef& other) { return *this = static_cast<T*>(other); }
+namespace idxbase::detail {
 
- private:
-  void*& slot_;
+// The evaluation's direct reads of the library's own constants (internal).
+struct ConstantValues;
+
+// A string value as an operand delivers it: bytes and their length.
+struct StringValue {
+  const char* text = nullptr;
+  int length = 0;
 };
+
+// Which of the library's constant classes (or its set), if any, an operand
+// is exactly; a derived class is kOther.
+enum class ExactOperand : unsigned char { kOther, kInt, kFloat, kBoolean, kString, kTime, kSet };
+
+// The element slot of an untyped pointer list, as the typed pointer it
+// holds. Object pointers share one size and representation on every
+// platform we build for (checked below); the compilers we support give all
+// pointer types one aliasing class, so the slot may be read and written
+// through either type.
+template <class T>
+T*& TypedSlot(void*& slot) {
+  static_assert(sizeof(T*) == sizeof(void*) && alignof(T*) == alignof(void*),
+                "typed and untyped element pointers must share their layout");
+  return reinterpret_cast<T*&>(slot);
+}
+
+}  // namespace idxbase::detail
 
 // A list of operand pointers, positions from 1. Never owns the operands:
 // the operand that holds a list deletes its elements. One thread at a time.
-// operator[] out of range behaves as KORRawCollPV's (null; a scratch slot).
+//
+// operator[] gives the element pointer itself, so `BBDOperand*& r =
+// list[1];` and `BBDOperand::Compile(list[1])` change the element. Out of
+// range it behaves as KORRawCollPV's: the const form gives null, the
+// non-const form a scratch slot of the list that is reset to null at each
+// such access and is not an element (writing it changes nothing).
 class IDXBASE_API KORListPtrBBDOperand : public KORRawCollPV {
  public:
   explicit KORListPtrBBDOperand(int initialCapacity = 0) : KORRawCollPV(initialCapacity) {}
@@ -46,8 +62,8 @@ class IDXBASE_API KORListPtrBBDOperand : public KORRawCollPV {
   KORListPtrBBDOperand& operator=(const KORListPtrBBDOperand&) = default;
   ~KORListPtrBBDOperand() override;
 
-  KORListPtrRef<BBDOperand> operator[](int position) {
-    return KORListPtrRef<BBDOperand>(KORRawCollPV::operator[](position));
+  BBDOperand*& operator[](int position) {
+    return idxbase::detail::TypedSlot<BBDOperand>(KORRawCollPV::operator[](position));
   }
   BBDOperand* operator[](int position) const {
     return static_cast<BBDOperand*>(KORRawCollPV::operator[](position));
@@ -57,7 +73,8 @@ class IDXBASE_API KORListPtrBBDOperand : public KORRawCollPV {
 
 // A list of type-descriptor pointers, positions from 1. Never owns the
 // descriptors. One thread at a time. Each operation forwards to the
-// KORRawCollPV operation of the same name and returns its result.
+// KORRawCollPV operation of the same name and returns its result;
+// operator[] gives the element pointer itself, as KORListPtrBBDOperand's.
 class IDXBASE_API KORListPtrBBDTypeInfo : public KORRawCollPV {
  public:
   explicit KORListPtrBBDTypeInfo(int initialCapacity = 0) : KORRawCollPV(initialCapacity) {}
@@ -65,8 +82,8 @@ class IDXBASE_API KORListPtrBBDTypeInfo : public KORRawCollPV {
   KORListPtrBBDTypeInfo& operator=(const KORListPtrBBDTypeInfo&) = default;
   ~KORListPtrBBDTypeInfo() override;
 
-  KORListPtrRef<BBDTypeInfo> operator[](int position) {
-    return KORListPtrRef<BBDTypeInfo>(KORRawCollPV::operator[](position));
+  BBDTypeInfo*& operator[](int position) {
+    return idxbase::detail::TypedSlot<BBDTypeInfo>(KORRawCollPV::operator[](position));
   }
   BBDTypeInfo* operator[](int position) const {
     return static_cast<BBDTypeInfo*>(KORRawCollPV::operator[](position));
@@ -88,10 +105,11 @@ class IDXBASE_API KORListPtrBBDTypeInfo : public KORRawCollPV {
 
 namespace idxbase::detail {
 
-// A pointer list whose elements are owned jointly by every copy of it: an
-// element is deleted once, with the last copy that holds it. Release lets
-// go of the elements in list order. Null elements are kept and skipped.
-template <class T, class List>
+// Elements owned jointly by every copy of their holder: an element is
+// deleted once, with the last copy that holds it. Positions run from 1;
+// Release lets go of the elements in position order. Null elements are
+// kept and skipped.
+template <class T>
 class SharedElements {
  public:
   SharedElements() = default;
@@ -99,8 +117,7 @@ class SharedElements {
   SharedElements& operator=(const SharedElements& other) {
     if (this != &other) {
       Release();
-      list_ = other.list_;
-      owners_ = other.owners_;
+      elements_ = other.elements_;
     }
     return *this;
   }
@@ -108,20 +125,29 @@ class SharedElements {
 
   // Appends `element` and takes a share of it; returns its position.
   int Adopt(T* element) {
-    owners_.emplace_back(element);
-    return list_.Append(element);
+    elements_.emplace_back(element);
+    return Size();
   }
   void Release() {
-    for (std::shared_ptr<T>& owner : owners_) owner.reset();
-    owners_.clear();
-    list_.RemoveAll(KORCollec::KeepMemory);
+    for (std::shared_ptr<T>& element : elements_) element.reset();
+    elements_.clear();
   }
-  List& list() { return list_; }
-  const List& list() const { return list_; }
+  int Size() const { return static_cast<int>(elements_.size()); }
+  // The element at `position`; null outside 1..Size().
+  T* operator[](int position) const {
+    return position >= 1 && position <= Size()
+               ? elements_[static_cast<std::size_t>(position - 1)].get()
+               : nullptr;
+  }
+  // Replaces the content of `list` by the element pointers, in order.
+  template <class List>
+  void CopyTo(List& list) const {
+    list.RemoveAll(KORCollec::KeepMemory);
+    for (const std::shared_ptr<T>& element : elements_) list.Append(element.get());
+  }
 
  private:
-  List list_;
-  std::vector<std::shared_ptr<T>> owners_;  // same order as list_
+  std::vector<std::shared_ptr<T>> elements_;
 };
 
 }  // namespace idxbase::detail
@@ -193,6 +219,7 @@ class IDXBASE_API BBDOperandIntConst : public BBDOperand {
   void toString(KORUnicodeString& text) override;
 
  private:
+  friend struct idxbase::detail::ConstantValues;
   int m_Value;
 };
 
@@ -207,6 +234,7 @@ class IDXBASE_API BBDOperandFloatConst : public BBDOperand {
   void toString(KORUnicodeString& text) override;
 
  private:
+  friend struct idxbase::detail::ConstantValues;
   float m_Value;
 };
 
@@ -221,6 +249,7 @@ class IDXBASE_API BBDOperandBooleanConst : public BBDOperand {
   void toString(KORUnicodeString& text) override;
 
  private:
+  friend struct idxbase::detail::ConstantValues;
   bool m_Value;
 };
 
@@ -245,6 +274,7 @@ class IDXBASE_API BBDOperandStringConst : public BBDOperand {
   void toString(KORUnicodeString& text) override;
 
  private:
+  friend struct idxbase::detail::ConstantValues;
   BBDOperandStringConst(const BBDOperandStringConst&);
 
   char* m_Buffer;  // owned (malloc); null for the empty string
@@ -262,6 +292,7 @@ class IDXBASE_API BBDOperandTimeConst : public BBDOperand {
   void toString(KORUnicodeString& text) override;
 
  private:
+  friend struct idxbase::detail::ConstantValues;
   KORTime m_Value;
 };
 
@@ -302,18 +333,20 @@ class IDXBASE_API BBDOperandSet : public BBDOperand {
 
   // Appends `element` and takes it over; returns its position.
   int Append(BBDOperand* element);
-  int Size() const { return m_Elements.list().Size(); }
+  int Size() const { return m_Elements.Size(); }
 
   IDX_Filter_OperandType GetOperandType() override;
   IDX_Filter_ValueType GetValueType() override;
-  // Replaces `value`'s content by the element pointers (which stay owned by
-  // the set); nothing happens when `value` is this set's own list.
+  // Replaces `value`'s content by the element pointers, which stay owned by
+  // the set. The set keeps no list object of its own, so `value` is never
+  // the set's storage.
   KORStatus GetValSet(const BBDOccurrence&, unsigned int, BBDIAttributeRead&,
                       KORListPtrBBDOperand& value) override;
   void print() override;
 
  private:
-  idxbase::detail::SharedElements<BBDOperand, KORListPtrBBDOperand> m_Elements;
+  friend struct idxbase::detail::ConstantValues;
+  idxbase::detail::SharedElements<BBDOperand> m_Elements;
 };
 
 #endif  // IDXBASE_FILTER_OPERANDS_H_

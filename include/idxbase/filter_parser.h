@@ -141,7 +141,10 @@ class IDXBASE_API BBDFilterParser {
   // (see BBDOperandStringUser). Binding a name again replaces it.
   void BindVariable(const std::string& name, const char* const* variable);
   // Whether Parse compiles the tree (BBDExpression::Compile) before
-  // handing it over; on by default.
+  // handing it over; on by default. A filter that compiles to nothing (an
+  // or of an NA side and a missing side, "( NAExpression | NULL )") is
+  // handed over as an NA expression: undecidable for every occurrence, as
+  // the uncompiled tree was, so `root` is never null on success.
   void SetCompile(bool compile) { m_Compile = compile; }
 
   KORStatus Parse(std::string_view text, BBDExpression*& root, BBDFilterParseError& error) const;

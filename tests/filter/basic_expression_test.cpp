@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "filter_test_support.h"
 #include "idxbase/filter_attributes.h"
@@ -26,7 +28,7 @@ using NoReader = ::testing::StrictMock<idxbase_test::MockAttributeReader>;
 // What happened to one ProbeOperand.
 struct Probe {
   char name = '?';
-  std::string* trail = nullptr;  // receives `name` at every read
+  std::string* trail = nullptr;  // receives `name` at every read and at death
   int reads = 0;
   int deaths = 0;
   unsigned int context = 0;  // of the last read
@@ -41,7 +43,10 @@ class ProbeOperand : public BBDOperand {
   ProbeOperand(Probe& probe, int value) : probe_(probe), hasInt_(true), int_(value) {}
   ProbeOperand(Probe& probe, const char* text, int length)
       : probe_(probe), text_(text), length_(length) {}
-  ~ProbeOperand() override { ++probe_.deaths; }
+  ~ProbeOperand() override {
+    ++probe_.deaths;
+    if (probe_.trail != nullptr) *probe_.trail += probe_.name;
+  }
 
   IDX_Filter_OperandType GetOperandType() override { return IDX_Filter_Operand_Constant; }
   IDX_Filter_ValueType GetValueType() override { return IDX_Filter_Type_Int; }
@@ -183,41 +188,240 @@ TEST_F(BasicExpressionTest, MembershipStopsAtTheFirstMatch) {
   EXPECT_EQ(0, late.reads);
 }
 
-// Compiled expressions keep the values of the library's constants; what
-// can change is still read at every evaluation.
-TEST_F(BasicExpressionTest, CompiledConstantsAreKeptButChangingOperandsAreRead) {
-  // An operand of a caller's class is read each time, even if it says it
-  // is a constant.
-  Probe subject;
-  BBDExpression* e = new BBDBasicExpression(IDX_Filter_Op_BetweenInt, new ProbeOperand(subject, 5),
-                                            new BBDOperandIntConst(1), new BBDOperandIntConst(9));
-  BBDExpression::Compile(e);
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(H, Eval(*e));
-  EXPECT_EQ(3, subject.reads);
-  delete e;
+// Every evaluation reads the operands as they are then: a library constant
+// or set assigned after compilation gives its new value.
+TEST_F(BasicExpressionTest, CompiledExpressionsSeeAssignmentsToTheirOperands) {
+  const KORTime monday(2024, 3, 11, 9, 0, 0);
+  const KORTime tuesday(2024, 3, 12, 9, 0, 0);
+  struct Row {
+    const char* what;
+    std::function<BBDExpression*()> build;
+    std::function<void()> assign;
+  };
+  BBDOperandIntConst* intConst = nullptr;
+  BBDOperandFloatConst* floatConst = nullptr;
+  BBDOperandBooleanConst* boolConst = nullptr;
+  BBDOperandStringConst* stringConst = nullptr;
+  BBDOperandTimeConst* timeConst = nullptr;
+  BBDOperandSet* set = nullptr;
+  const Row rows[] = {
+      {"( 5 = 5 ) then 6 = 5",
+       [&] {
+         return new BBDBasicExpression(IDX_Filter_Op_EqualInt, intConst = new BBDOperandIntConst(5),
+                                       new BBDOperandIntConst(5));
+       },
+       [&] { *intConst = BBDOperandIntConst(6); }},
+      {"5 IN {5} then {7}",
+       [&] {
+         return new BBDBasicExpression(IDX_Filter_Op_InInt, new BBDOperandIntConst(5),
+                                       set = new BBDOperandSet(new BBDOperandIntConst(5)));
+       },
+       [&] { *set = BBDOperandSet(new BBDOperandIntConst(7)); }},
+      {"2.5 IN {2.5} then {1.5}",
+       [&] {
+         return new BBDBasicExpression(IDX_Filter_Op_InFloat, new BBDOperandFloatConst(2.5f),
+                                       set = new BBDOperandSet(new BBDOperandFloatConst(2.5f)));
+       },
+       [&] { *set = BBDOperandSet(new BBDOperandFloatConst(1.5f)); }},
+      {"1.5 BETWEEN 1 2 then 2.5",
+       [&] {
+         return new BBDBasicExpression(
+             IDX_Filter_Op_BetweenFloat, floatConst = new BBDOperandFloatConst(1.5f),
+             new BBDOperandFloatConst(1.0f), new BBDOperandFloatConst(2.0f));
+       },
+       [&] { *floatConst = BBDOperandFloatConst(2.5f); }},
+      {"true = true then false",
+       [&] {
+         return new BBDBasicExpression(IDX_Filter_Op_EqualBoolean,
+                                       boolConst = new BBDOperandBooleanConst(true),
+                                       new BBDOperandBooleanConst(true));
+       },
+       [&] { *boolConst = BBDOperandBooleanConst(false); }},
+      {"\"abc\" = \"abc\" then \"abd\"",
+       [&] {
+         return new BBDBasicExpression(IDX_Filter_Op_EqualString,
+                                       stringConst = new BBDOperandStringConst(strdup("abc")),
+                                       new BBDOperandStringConst(strdup("abc")));
+       },
+       [&] { *stringConst = BBDOperandStringConst(strdup("abd")); }},
+      {"monday = monday then tuesday",
+       [&] {
+         return new BBDBasicExpression(IDX_Filter_Op_EqualTime,
+                                       timeConst = new BBDOperandTimeConst(monday),
+                                       new BBDOperandTimeConst(monday));
+       },
+       [&] { *timeConst = BBDOperandTimeConst(tuesday); }},
+  };
+  for (const Row& row : rows) {
+    BBDExpression* e = row.build();
+    BBDExpression::Compile(e);
+    EXPECT_EQ(H, Eval(*e)) << row.what;
+    row.assign();
+    EXPECT_EQ(D, Eval(*e)) << row.what;
+    delete e;
+  }
+}
 
-  // A set that grows after compiling is read again, whole.
-  Probe member;
-  auto* set = new BBDOperandSet(new BBDOperandIntConst(1));
-  e = new BBDBasicExpression(IDX_Filter_Op_InInt, new BBDOperandIntConst(4), set);
-  BBDExpression::Compile(e);
-  EXPECT_EQ(D, Eval(*e));
-  EXPECT_EQ(D, Eval(*e));
-  set->Append(new ProbeOperand(member, 4));
-  EXPECT_EQ(H, Eval(*e));
-  EXPECT_EQ(H, Eval(*e));
-  EXPECT_EQ(2, member.reads);  // a caller's element keeps being read
+// A caller's class derived from a library constant is read through its
+// virtual operations; the library's own classes are read directly. Both
+// must answer alike, whatever is assigned between evaluations.
+template <class Base>
+class Derived : public Base {
+ public:
+  using Base::Base;
+  using Base::operator=;
+};
 
-  // Kept elements keep their order and their failures.
-  auto* floats = new BBDOperandSet(new BBDOperandFloatConst(2.0f));
-  floats->Append(nullptr);
-  floats->Append(new BBDOperandFloatConst(4.0f));
-  BBDExpression* f =
-      new BBDBasicExpression(IDX_Filter_Op_InFloat, new BBDOperandFloatConst(4.0f), floats);
-  BBDExpression::Compile(f);
-  for (int i = 0; i < 2; ++i) EXPECT_EQ(U, Eval(*f));  // the null element comes first
-  delete f;
-  delete e;
+// Builds twin comparisons, one over the library's classes and one over the
+// Derived ones, from the same random draw, and keeps the assignments that
+// change a constant in both.
+class TwinBuilder {
+ public:
+  explicit TwinBuilder(unsigned seed) : state_(seed) {}
+  int Next(int n) {
+    state_ = state_ * 6364136223846793005ull + 1442695040888963407ull;
+    return static_cast<int>((state_ >> 33) % static_cast<unsigned>(n));
+  }
+
+  // One operand of value type `type` (0 int, 1 float, 2 string, 3 bool, 4
+  // time) in both twins; now and then of another type, so that reads fail.
+  void Operand(int type, BBDOperand*& direct, BBDOperand*& plain) {
+    if (Next(8) == 0) type = Next(5);
+    switch (type) {
+      case 0: Twin<BBDOperandIntConst>(direct, plain, [this] { return Next(3); }); break;
+      case 1: Twin<BBDOperandFloatConst>(direct, plain, [this] { return Float(); }); break;
+      case 2:
+        Twin<BBDOperandStringConst>(direct, plain, [this] { return strdup(String()); });
+        break;
+      case 3: Twin<BBDOperandBooleanConst>(direct, plain, [this] { return Next(2) == 1; }); break;
+      default: Twin<BBDOperandTimeConst>(direct, plain, [this] { return Time(); }); break;
+    }
+  }
+  // A set of 0 to 3 elements in both twins, now and then with a null one.
+  void Set(int type, BBDOperand*& direct, BBDOperand*& plain) {
+    auto* directSet = new BBDOperandSet();
+    auto* plainSet = new Derived<BBDOperandSet>();
+    for (int n = Next(4); n > 0; --n) {
+      BBDOperand* d = nullptr;
+      BBDOperand* p = nullptr;
+      if (Next(10) != 0) Operand(type, d, p);
+      directSet->Append(d);
+      plainSet->Append(p);
+    }
+    direct = directSet;
+    plain = plainSet;
+  }
+  void AssignSome() {
+    for (auto& assign : assignments_) {
+      if (Next(3) == 0) assign();
+    }
+  }
+
+ private:
+  template <class Constant, class Draw>
+  void Twin(BBDOperand*& direct, BBDOperand*& plain, Draw draw) {
+    auto* d = new Constant(draw());
+    auto* p = new Derived<Constant>(draw());
+    *p = *d;
+    direct = d;
+    plain = p;
+    assignments_.push_back([d, p, draw]() mutable {
+      *d = Constant(draw());
+      *p = *d;
+    });
+  }
+  float Float() {
+    static const float kValues[] = {0.5f, 1.5f, 2.5f, std::nanf("")};
+    return kValues[Next(4)];
+  }
+  const char* String() {
+    static const char* const kValues[] = {"a", "ab", "AB", "*b*", ""};
+    return kValues[Next(5)];
+  }
+  KORTime Time() { return KORTime(2024, 3, 10 + Next(2), 8 + Next(3), 0, 0); }
+
+  std::uint64_t state_;
+  std::vector<std::function<void()>> assignments_;
+};
+
+TEST_F(BasicExpressionTest, DirectReadsAgreeWithVirtualReads) {
+  // Operators by value type: int, float, string, bool, time.
+  const std::vector<IDX_Filter_Operator> kOps[5] = {
+      {IDX_Filter_Op_EqualInt, IDX_Filter_Op_LowerInt, IDX_Filter_Op_BetweenInt,
+       IDX_Filter_Op_InInt},
+      {IDX_Filter_Op_EqualFloat, IDX_Filter_Op_HigherEqFloat, IDX_Filter_Op_BetweenFloat,
+       IDX_Filter_Op_InFloat},
+      {IDX_Filter_Op_EqualString, IDX_Filter_Op_BetweenString, IDX_Filter_Op_LikeString,
+       IDX_Filter_Op_InString},
+      {IDX_Filter_Op_EqualBoolean, IDX_Filter_Op_DifferentBoolean, IDX_Filter_Op_InBoolean},
+      {IDX_Filter_Op_EqualTime, IDX_Filter_Op_DifferentTime, IDX_Filter_Op_BetweenTime},
+  };
+  int compared = 0;
+  for (unsigned seed = 1; seed <= 3000; ++seed) {
+    TwinBuilder twins(seed);
+    const int type = twins.Next(5);
+    const IDX_Filter_Operator op = kOps[type][twins.Next(static_cast<int>(kOps[type].size()))];
+    const bool isIn = op == IDX_Filter_Op_InInt || op == IDX_Filter_Op_InFloat ||
+                      op == IDX_Filter_Op_InString || op == IDX_Filter_Op_InBoolean;
+    const int readType = op == IDX_Filter_Op_InBoolean ? 0 : type;  // IN over booleans reads ints
+    BBDOperand* d[3] = {};
+    BBDOperand* p[3] = {};
+    twins.Operand(readType, d[0], p[0]);
+    if (isIn) {
+      twins.Set(readType, d[1], p[1]);
+    } else {
+      twins.Operand(readType, d[1], p[1]);
+      twins.Operand(readType, d[2], p[2]);
+    }
+    BBDExpression* direct = new BBDBasicExpression(op, d[0], d[1], d[2]);
+    BBDExpression* plain = new BBDBasicExpression(op, p[0], p[1], p[2]);
+    BBDExpression::Compile(direct);
+    BBDExpression::Compile(plain);
+    for (int round = 0; round < 4; ++round) {
+      const bool caseSensitive = twins.Next(2) == 0;
+      ASSERT_EQ(Eval(*plain, caseSensitive), Eval(*direct, caseSensitive))
+          << "seed " << seed << " round " << round;
+      ++compared;
+      twins.AssignSome();
+    }
+    delete direct;
+    delete plain;
+  }
+  EXPECT_EQ(12000, compared);
+}
+
+// A read that evaluates the same expression again (an element of the set
+// under test) must not disturb the outer membership test.
+TEST_F(BasicExpressionTest, MembershipSurvivesAReadThatEvaluatesAgain) {
+  class Reentrant : public BBDOperand {
+   public:
+    IDX_Filter_OperandType GetOperandType() override { return IDX_Filter_Operand_Attribute; }
+    IDX_Filter_ValueType GetValueType() override { return IDX_Filter_Type_Int; }
+    KORStatus GetValInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
+                        int& value) override {
+      if (expression != nullptr && depth++ == 0) inner = expression->eval(o, c, r, true);
+      value = 0;
+      return KOR_S_OK;
+    }
+    BBDExpression* expression = nullptr;
+    int depth = 0;
+    KORStatus inner = 0;
+  };
+  auto* reentrant = new Reentrant();
+  auto* set = new BBDOperandSet(reentrant);
+  set->Append(new BBDOperandIntConst(7));
+  BBDBasicExpression e(IDX_Filter_Op_InInt, new BBDOperandIntConst(7), set);
+  reentrant->expression = &e;
+  EXPECT_EQ(H, Eval(e));
+  EXPECT_EQ(H, reentrant->inner);
+}
+
+TEST_F(BasicExpressionTest, DeletesItsOperandsFirstSecondThird) {
+  std::string trail;
+  Probe a{'a', &trail}, b{'b', &trail}, c{'c', &trail};
+  delete new BBDBasicExpression(IDX_Filter_Op_BetweenInt, new ProbeOperand(a),
+                                new ProbeOperand(b), new ProbeOperand(c));
+  EXPECT_EQ("abc", trail);
 }
 
 TEST_F(BasicExpressionTest, ReadsTheSubjectFirstAndStopsAtTheFirstFailure) {

@@ -2,6 +2,9 @@
 // not observe (context, which nodes compilation keeps and deletes, copies).
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -241,14 +244,17 @@ TEST(CompileExpression, NodesThatStayAroundNA) {
   EXPECT_EQ(U, notNode->eval(occurrence, 0, reader, true));
   delete notNode;
 
-  // An or whose other side is missing keeps itself.
-  BBDExpression* orNode =
-      new BBDComposedExpression(IDX_Filter_Op_Or, Comparison(deaths, true), nullptr);
-  original = orNode;
-  BBDExpression::Compile(orNode);
-  EXPECT_EQ(original, orNode);
-  EXPECT_EQ("( NAExpression | NULL )", Text(orNode));
-  delete orNode;
+  // An or whose other side is missing collapses to nothing, either way
+  // round; the or goes with its NA side.
+  for (bool naFirst : {true, false}) {
+    int orDeaths = 0;
+    BBDExpression* na = Comparison(orDeaths, true);
+    BBDExpression* orNode = new BBDComposedExpression(IDX_Filter_Op_Or, naFirst ? na : nullptr,
+                                                      naFirst ? nullptr : na);
+    BBDExpression::Compile(orNode);
+    EXPECT_EQ(nullptr, orNode) << naFirst;
+    EXPECT_EQ(2, orDeaths) << naFirst;
+  }
 
   // Other operators do not fold.
   BBDExpression* other = new BBDComposedExpression(
@@ -258,6 +264,89 @@ TEST(CompileExpression, NodesThatStayAroundNA) {
   EXPECT_EQ(original, other);
   EXPECT_EQ("( NAExpression = NAExpression )", Text(other));
   delete other;
+}
+
+// An expression that says whether it is constant, and logs each question.
+class Questioned : public BBDExpression {
+ public:
+  Questioned(char name, bool na, std::string& log)
+      : BBDExpression(IDX_Filter_Op_EqualInt), name_(name), na_(na), log_(log) {}
+  KORStatus eval(const BBDOccurrence&, unsigned int, BBDIAttributeRead&, bool) override {
+    return U;
+  }
+  bool IsConstant() override {
+    log_ += name_;
+    return na_;
+  }
+  KORStatus GetConstantResult() override {
+    log_ += static_cast<char>(name_ - 'a' + 'A');
+    return U;
+  }
+
+ private:
+  char name_;
+  bool na_;
+  std::string& log_;
+};
+
+// Compiling asks the sides (a, b) IsConstant (logged lower case) and
+// GetConstantResult (upper case) only as far as the operator needs.
+TEST(CompileExpression, AsksTheSidesOnlyWhatTheOperatorNeeds) {
+  struct Row {
+    IDX_Filter_Operator op;
+    bool firstNA, secondNA;
+    const char* questions;
+  };
+  const Row rows[] = {
+      {IDX_Filter_Op_And, true, false, "aA"},   {IDX_Filter_Op_And, false, true, "abB"},
+      {IDX_Filter_Op_And, false, false, "ab"},  {IDX_Filter_Op_Or, true, true, "aA"},
+      {IDX_Filter_Op_Or, false, true, "abB"},   {IDX_Filter_Op_Or, false, false, "ab"},
+      {IDX_Filter_Op_Not, true, true, ""},
+  };
+  for (const Row& row : rows) {
+    std::string log;
+    BBDExpression* root = new BBDComposedExpression(
+        row.op, new Questioned('a', row.firstNA, log), new Questioned('b', row.secondNA, log));
+    BBDExpression::Compile(root);
+    EXPECT_EQ(row.questions, log) << row.op << row.firstNA << row.secondNA;
+    delete root;
+  }
+}
+
+// The vtable index of a virtual member: a pointer to one holds 1 + the
+// byte offset of its slot, on the ABI we build for.
+template <class Member>
+std::ptrdiff_t SlotIndex(Member member) {
+  std::ptrdiff_t words[sizeof(Member) / sizeof(std::ptrdiff_t)];
+  std::memcpy(words, &member, sizeof member);
+  return (words[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*));
+}
+
+// Reaches the protected Compile.
+struct SlotReader : BBDNAExpression {
+  static std::ptrdiff_t CompileSlot() {
+    BBDExpression* (BBDExpression::*compile)() = &SlotReader::Compile;
+    return SlotIndex(compile);
+  }
+};
+
+// The virtual slots of the expression interface keep the order callers
+// rely on; additions come after them. The destructor takes the first two
+// entries (complete and deleting).
+TEST(ExpressionInterface, VirtualSlotsKeepTheirOrder) {
+  const std::ptrdiff_t slots[] = {SlotIndex(&BBDExpression::print),
+                                  SlotIndex(&BBDExpression::GetOperator),
+                                  SlotIndex(&BBDExpression::eval),
+                                  SlotIndex(&BBDExpression::IsConstant),
+                                  SlotIndex(&BBDExpression::GetConstantResult),
+                                  SlotIndex(&BBDExpression::IsSpecial),
+                                  SlotIndex(&BBDExpression::IsActive),
+                                  SlotIndex(&BBDExpression::toString),
+                                  SlotReader::CompileSlot(),
+                                  SlotIndex(&BBDExpression::Duplicate)};
+  for (std::size_t i = 0; i < std::size(slots); ++i) {
+    EXPECT_EQ(static_cast<std::ptrdiff_t>(i + 2), slots[i]) << i;
+  }
 }
 
 TEST(CompileExpression, TreesFoldBottomUpInOnePass) {

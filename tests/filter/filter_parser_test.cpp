@@ -90,7 +90,10 @@ class PartReader : public BBDIAttributeRead {
   }
 };
 
+// A missing tree (an or of NA and a missing side compiles to nothing)
+// renders as a missing part does.
 std::string Render(BBDExpression* expression) {
+  if (expression == nullptr) return "NULL";
   KORUnicodeString text;
   expression->toString(text);
   return text.ConvertToChar();

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "filter_test_support.h"
+#include "idxbase/filter_attributes.h"
 #include "idxbase/filter_operands.h"
 #include "support/stdout_capture.h"
 
@@ -268,6 +269,30 @@ TEST(OperandSet, GetValSetReplacesTheListContent) {
   EXPECT_EQ(a, view[1]);
   EXPECT_EQ(nullptr, view[2]);
   EXPECT_EQ(b, view[3]);
+}
+
+// The lists hand out the element pointer itself, so an element can be
+// compiled or replaced in place; out of range, a scratch slot that is no
+// element.
+TEST(OperandLists, SubscriptGivesTheElementPointer) {
+  BBDOperandIntConst one(1), two(2);
+  KORListPtrBBDOperand operands;
+  operands.Append(&one);
+  BBDOperand*& first = operands[1];
+  first = &two;
+  EXPECT_EQ(&two, static_cast<const KORListPtrBBDOperand&>(operands)[1]);
+  BBDOperand::Compile(operands[1]);
+  EXPECT_EQ(&two, operands[1]);
+  operands[5] = &one;
+  EXPECT_EQ(1, operands.Size());
+  EXPECT_EQ(nullptr, operands[5]);
+
+  BBDTypeInfo type;
+  KORListPtrBBDTypeInfo types;
+  types.Append(nullptr);
+  BBDTypeInfo*& slot = types[1];
+  slot = &type;
+  EXPECT_EQ(1, types.Locate(&type, 1));
 }
 
 // Builds {1, null, 2, 3} of logged operands.

@@ -77,7 +77,7 @@ class IDXBASE_API BBDExpression {
 // chosen once, at construction; evaluating costs one indirect call plus
 // the operands' reads and allocates nothing except in the membership
 // tests (the first time only: their list storage is reused). An operator
-// without evaluation (0, 1, 2, 22, 32, or outside
+// without evaluation (none in its operator-table row, or outside
 // 0..41) prints "No evaluation function defined.\n" and is undecidable.
 //
 // Owns its operands (any may be null). Evaluation writes into the
@@ -89,6 +89,7 @@ class IDXBASE_API BBDExpression {
 // evaluations use the kept values instead of calling the operands again.
 // A set that has grown or shrunk since is read again.
 class IDXBASE_API BBDBasicExpression : public BBDExpression {
+  friend struct idxbase::detail::OperatorTable;  // its rows name the Eval functions
  public:
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second);
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second,

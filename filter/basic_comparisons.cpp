@@ -3,6 +3,7 @@
 // compares them; only a membership test over a set that is not made of the
 // library's constants builds a (pointer) list.
 #include "filter/constant_values.h"
+#include "filter/operator_table.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 
@@ -323,48 +324,8 @@ KORStatus Basic::EvalUnsupported(const BBDOccurrence&, unsigned int, BBDIAttribu
   return IDX_FILTER_UNDECIDABLE;
 }
 
-// Indexed by operator value; null where the operator has no evaluation.
-const Basic::EvalFunction Basic::m_EvalFunctionTable[42] = {
-    nullptr,                       // 0 !
-    nullptr,                       // 1 |
-    nullptr,                       // 2 &
-    &Basic::EvalEqualInt,          // 3
-    &Basic::EvalEqualString,       // 4
-    &Basic::EvalEqualFloat,        // 5
-    &Basic::EvalEqualBoolean,      // 6
-    &Basic::EvalBetweenString,     // 7
-    &Basic::EvalBetweenInt,        // 8
-    &Basic::EvalBetweenFloat,      // 9
-    &Basic::EvalLowerString,       // 10
-    &Basic::EvalLowerInt,          // 11
-    &Basic::EvalLowerFloat,        // 12
-    &Basic::EvalLowerEqString,     // 13
-    &Basic::EvalLowerEqInt,        // 14
-    &Basic::EvalLowerEqFloat,      // 15
-    &Basic::EvalHigherString,      // 16
-    &Basic::EvalHigherInt,         // 17
-    &Basic::EvalHigherFloat,       // 18
-    &Basic::EvalHigherEqString,    // 19
-    &Basic::EvalHigherEqInt,       // 20
-    &Basic::EvalHigherEqFloat,     // 21
-    nullptr,                       // 22 KINDOF
-    &Basic::EvalLikeString,        // 23
-    &Basic::EvalDifferentInt,      // 24
-    &Basic::EvalDifferentString,   // 25
-    &Basic::EvalDifferentFloat,    // 26
-    &Basic::EvalDifferentBoolean,  // 27
-    &Basic::EvalInInt,             // 28
-    &Basic::EvalInString,          // 29
-    &Basic::EvalInFloat,           // 30
-    &Basic::EvalInInt,             // 31 IN over booleans reads integers
-    nullptr,                       // 32 multival
-    &Basic::EvalNotLikeString,     // 33
-    &Basic::EvalEqualTime,         // 34
-    &Basic::EvalDifferentTime,     // 35
-    &Basic::EvalBetweenTime,       // 36
-    &Basic::EvalLowerTime,         // 37
-    &Basic::EvalLowerEqTime,       // 38
-    &Basic::EvalHigherTime,        // 39
-    &Basic::EvalHigherEqTime,      // 40
-    &Basic::EvalUnsupported,       // 41
-};
+// Indexed by operator value: each operator's evaluation, from its row of
+// the operator table; null where it has none.
+#define IDXBASE_EVAL_OF(op) idxbase::detail::kOperatorRows[op].eval,
+const Basic::EvalFunction Basic::m_EvalFunctionTable[42] = {IDXBASE_EACH_OPERATOR(IDXBASE_EVAL_OF)};
+#undef IDXBASE_EVAL_OF

@@ -3,6 +3,8 @@
 #include <cctype>
 #include <utility>
 
+#include "filter/operator_table.h"
+
 namespace idxbase::detail {
 namespace {
 
@@ -27,6 +29,22 @@ std::string Shown(std::string_view text) {
   if (valid) return "'" + std::string(text.substr(0, length)) + "'";
   static const char kHex[] = "0123456789ABCDEF";
   return std::string("byte 0x") + kHex[lead >> 4] + kHex[lead & 0xF];
+}
+
+// The length of the longest operator spelling in symbols that `text`
+// starts with; 0 when there is none.
+std::size_t SymbolLength(std::string_view text) {
+  std::size_t longest = 0;
+  for (const OperatorRow& row : kOperatorRows) {
+    if (row.kind == OperatorKind::kUnwritten) continue;
+    for (const std::string_view spelling : {std::string_view(row.name), row.alias}) {
+      if (!spelling.empty() && !IsWordStart(spelling[0]) && spelling.size() > longest &&
+          text.substr(0, spelling.size()) == spelling) {
+        longest = spelling.size();
+      }
+    }
+  }
+  return longest;
 }
 
 }  // namespace
@@ -77,19 +95,6 @@ Token Lexer::Next() {
       return Make(TokenKind::kCloseBrace, begin, begin + 1);
     case ',':
       return Make(TokenKind::kComma, begin, begin + 1);
-    case '&':
-      return Make(TokenKind::kAmpersand, begin, begin + 1);
-    case '|':
-      return Make(TokenKind::kBar, begin, begin + 1);
-    case '=':
-      return Make(TokenKind::kCompare, begin, begin + 1);
-    case '!':
-      return next == '=' ? Make(TokenKind::kCompare, begin, begin + 2)
-                         : Make(TokenKind::kBang, begin, begin + 1);
-    case '<':
-      return Make(TokenKind::kCompare, begin, begin + (next == '=' || next == '>' ? 2 : 1));
-    case '>':
-      return Make(TokenKind::kCompare, begin, begin + (next == '=' ? 2 : 1));
     case '"':
     case '\'':
       return Quoted(begin);
@@ -104,6 +109,9 @@ Token Lexer::Next() {
   if (IsDigit(c) || ((c == '-' || c == '.') && (IsDigit(next) || next == '.')))
     return Number(begin);
   if (IsWordStart(c)) return Word(begin, TokenKind::kName);
+  if (const std::size_t length = SymbolLength(text_.substr(begin)); length > 0) {
+    return Make(TokenKind::kOperator, begin, begin + length);
+  }
   return Error(begin, "unexpected character " + Shown(text_.substr(begin)));
 }
 

@@ -16,10 +16,7 @@ enum class TokenKind {
   kOpenBrace,
   kCloseBrace,
   kComma,
-  kCompare,    // = <> != < <= > >=
-  kBang,       // !
-  kAmpersand,  // &
-  kBar,        // |
+  kOperator,  // an operator's spelling in symbols ("=", "<>", "!", "&", ...)
   kInteger,
   kFloat,
   kString,    // `value` holds the unquoted bytes

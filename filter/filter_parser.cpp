@@ -14,9 +14,11 @@
 
 namespace {
 
-using idxbase::detail::CompareKind;
 using idxbase::detail::IsKeyword;
+using idxbase::detail::kOperatorRows;
 using idxbase::detail::Lexer;
+using idxbase::detail::OperatorKind;
+using idxbase::detail::OperatorRow;
 using idxbase::detail::ParsedOperand;
 using idxbase::detail::Token;
 using idxbase::detail::TokenKind;
@@ -29,9 +31,46 @@ struct Node {
   bool isNull = false;
 };
 
-constexpr const char* kReserved[] = {"AND",          "OR",        "NOT",        "BETWEEN", "IN",
-                                     "LIKE",         "NOT_LIKE",  "true",       "false",   "NULL",
+// Reserved besides the operators' spellings.
+constexpr const char* kReserved[] = {"true",         "false",     "NULL",
                                      "NAExpression", "NAOperand", "NullOperand"};
+
+// The row of the operator that `token` spells (the first row of its
+// kind), or null.
+const OperatorRow* SpelledOperator(const Token& token) {
+  if (token.kind != TokenKind::kOperator && token.kind != TokenKind::kName) return nullptr;
+  for (const OperatorRow& row : kOperatorRows) {
+    if (row.kind == OperatorKind::kUnwritten) continue;
+    for (const std::string_view spelling : {std::string_view(row.name), row.alias}) {
+      if (spelling.empty()) continue;
+      if (token.kind == TokenKind::kOperator ? token.text == spelling
+                                             : IsKeyword(token.text, spelling)) {
+        return &row;
+      }
+    }
+  }
+  return nullptr;
+}
+
+bool IsReserved(const Token& token) {
+  for (const char* keyword : kReserved) {
+    if (IsKeyword(token.text, keyword)) return true;
+  }
+  return SpelledOperator(token) != nullptr;
+}
+
+// "=, <>, ..., NOT_LIKE": the name of each comparison kind, in kind order.
+std::string ComparisonNames() {
+  std::string names;
+  for (int kind = 0; kind < static_cast<int>(OperatorKind::kUnwritten); ++kind) {
+    for (const OperatorRow& row : kOperatorRows) {
+      if (static_cast<int>(row.kind) != kind || row.operands == 0) continue;
+      names += (names.empty() ? "" : ", ") + std::string(row.name);
+      break;
+    }
+  }
+  return names;
+}
 
 // Fills in the line, the column (in characters) and the line's text of
 // byte `offset`.
@@ -71,10 +110,10 @@ class Parser {
   bool AtKeyword(const char* keyword) const {
     return current_.kind == TokenKind::kName && IsKeyword(current_.text, keyword);
   }
+  bool At(IDX_Filter_Operator op) const { return SpelledOperator(current_) == &kOperatorRows[op]; }
   bool Enter(std::size_t offset);
 
-  bool Chain(IDX_Filter_Operator op, TokenKind symbol, const char* keyword,
-             bool (Parser::*next)(Node&), Node& node);
+  bool Chain(IDX_Filter_Operator op, bool (Parser::*next)(Node&), Node& node);
   bool Or(Node& node);
   bool And(Node& node);
   bool Not(Node& node);
@@ -84,8 +123,8 @@ class Parser {
   bool Operand(ParsedOperand& operand);
   bool NameOperand(ParsedOperand& operand);
   bool SetElements(std::vector<ParsedOperand>& elements);
-  bool Build(CompareKind kind, std::vector<ParsedOperand*> operands, std::size_t operatorOffset,
-             Node& node);
+  bool Build(const OperatorRow& spelled, std::vector<ParsedOperand*> operands,
+             std::size_t operatorOffset, Node& node);
 
   std::string_view text_;
   Lexer lexer_;
@@ -151,12 +190,10 @@ bool Parser::Compose(IDX_Filter_Operator op, Node& first, Node second, std::size
   return true;
 }
 
-// A left-associative chain of `next` joined by `op`, spelled `symbol` or
-// `keyword`.
-bool Parser::Chain(IDX_Filter_Operator op, TokenKind symbol, const char* keyword,
-                   bool (Parser::*next)(Node&), Node& node) {
+// A left-associative chain of `next` joined by `op`.
+bool Parser::Chain(IDX_Filter_Operator op, bool (Parser::*next)(Node&), Node& node) {
   if (!(this->*next)(node)) return false;
-  while (current_.kind == symbol || AtKeyword(keyword)) {
+  while (At(op)) {
     const std::size_t offset = current_.offset;
     Node right;
     if (!Advance() || !(this->*next)(right) || !Compose(op, node, std::move(right), offset)) {
@@ -166,16 +203,12 @@ bool Parser::Chain(IDX_Filter_Operator op, TokenKind symbol, const char* keyword
   return true;
 }
 
-bool Parser::Or(Node& node) {
-  return Chain(IDX_Filter_Op_Or, TokenKind::kBar, "OR", &Parser::And, node);
-}
+bool Parser::Or(Node& node) { return Chain(IDX_Filter_Op_Or, &Parser::And, node); }
 
-bool Parser::And(Node& node) {
-  return Chain(IDX_Filter_Op_And, TokenKind::kAmpersand, "AND", &Parser::Not, node);
-}
+bool Parser::And(Node& node) { return Chain(IDX_Filter_Op_And, &Parser::Not, node); }
 
 bool Parser::Not(Node& node) {
-  if (current_.kind != TokenKind::kBang && !AtKeyword("NOT")) return Primary(node);
+  if (!At(IDX_Filter_Op_Not)) return Primary(node);
   const std::size_t offset = current_.offset;
   if (!Enter(offset) || !Advance() || !Not(node)) return false;
   --nesting_;
@@ -212,49 +245,30 @@ bool Parser::Primary(Node& node) {
 bool Parser::Comparison(Node& node) {
   ParsedOperand subject;
   if (!Operand(subject)) return false;
-  const Token op = current_;
-  if (op.kind == TokenKind::kCompare) {
-    static const std::pair<std::string_view, CompareKind> kSpellings[] = {
-        {"=", CompareKind::kEqual},      {"<>", CompareKind::kDifferent},
-        {"!=", CompareKind::kDifferent}, {"<", CompareKind::kLower},
-        {"<=", CompareKind::kLowerEq},   {">", CompareKind::kHigher},
-        {">=", CompareKind::kHigherEq}};
-    CompareKind kind = CompareKind::kEqual;
-    for (const auto& spelling : kSpellings) {
-      if (spelling.first == op.text) kind = spelling.second;
+  const std::size_t offset = current_.offset;
+  const OperatorRow* spelled = SpelledOperator(current_);
+  if (AtKeyword("NOT")) {  // NOT LIKE, in two words
+    if (!Advance() || !AtKeyword("LIKE")) return Fail(current_.offset, "expected LIKE after NOT");
+    spelled = &kOperatorRows[IDX_Filter_Op_NotLikeString];
+  } else if (spelled == nullptr || spelled->operands == 0) {
+    return Fail(offset, "expected a comparison (" + ComparisonNames() + ") after '" +
+                            std::string(subject.text) + "'");
+  }
+  if (!Advance()) return false;
+  std::vector<ParsedOperand> values;
+  if (spelled->operands < 0) {
+    if (!SetElements(values)) return false;
+  } else {
+    values.resize(spelled->operands);
+    for (int i = 0; i < spelled->operands; ++i) {
+      // The bounds of a range may be joined by AND.
+      if (i > 0 && AtKeyword("AND") && !Advance()) return false;
+      if (!Operand(values[i])) return false;
     }
-    ParsedOperand value;
-    if (!Advance() || !Operand(value)) return false;
-    return Build(kind, {&subject, &value}, op.offset, node);
   }
-  if (AtKeyword("BETWEEN")) {
-    ParsedOperand low, high;
-    if (!Advance() || !Operand(low)) return false;
-    if (AtKeyword("AND") && !Advance()) return false;
-    if (!Operand(high)) return false;
-    return Build(CompareKind::kBetween, {&subject, &low, &high}, op.offset, node);
-  }
-  if (AtKeyword("LIKE") || AtKeyword("NOT_LIKE") || AtKeyword("NOT")) {
-    const bool negated = !AtKeyword("LIKE");
-    if (AtKeyword("NOT") && (!Advance() || !AtKeyword("LIKE"))) {
-      return Fail(current_.offset, "expected LIKE after NOT");
-    }
-    ParsedOperand pattern;
-    if (!Advance() || !Operand(pattern)) return false;
-    return Build(negated ? CompareKind::kNotLike : CompareKind::kLike, {&subject, &pattern},
-                 op.offset, node);
-  }
-  if (AtKeyword("IN")) {
-    std::vector<ParsedOperand> elements;
-    if (!Advance() || !SetElements(elements)) return false;
-    std::vector<ParsedOperand*> operands{&subject};
-    for (ParsedOperand& element : elements) operands.push_back(&element);
-    return Build(CompareKind::kIn, std::move(operands), op.offset, node);
-  }
-  return Fail(op.offset,
-              "expected a comparison (=, <>, <, <=, >, >=, BETWEEN, IN, LIKE, "
-              "NOT_LIKE) after '" +
-                  std::string(subject.text) + "'");
+  std::vector<ParsedOperand*> operands{&subject};
+  for (ParsedOperand& value : values) operands.push_back(&value);
+  return Build(*spelled, std::move(operands), offset, node);
 }
 
 bool Parser::SetElements(std::vector<ParsedOperand>& elements) {
@@ -273,17 +287,17 @@ bool Parser::SetElements(std::vector<ParsedOperand>& elements) {
 
 // Types the comparison and builds its basic expression, handing the
 // operands over to it (a set's elements to a new set).
-bool Parser::Build(CompareKind kind, std::vector<ParsedOperand*> operands,
+bool Parser::Build(const OperatorRow& spelled, std::vector<ParsedOperand*> operands,
                    std::size_t operatorOffset, Node& node) {
   const idxbase::detail::OperatorChoice choice =
-      idxbase::detail::ChooseOperator(kind, operands, operatorOffset);
+      idxbase::detail::ChooseOperator(spelled.kind, operands, operatorOffset);
   if (!choice.error.empty()) return Fail(choice.errorOffset, choice.error);
   BBDOperand* subject = operands[0]->operand.release();
-  if (kind == CompareKind::kIn) {
+  if (spelled.operands < 0) {
     auto set = std::make_unique<BBDOperandSet>();
     for (std::size_t i = 1; i < operands.size(); ++i) set->Append(operands[i]->operand.release());
     node.expression = std::make_unique<BBDBasicExpression>(choice.op, subject, set.release());
-  } else if (kind == CompareKind::kBetween) {
+  } else if (spelled.operands == 2) {
     node.expression = std::make_unique<BBDBasicExpression>(
         choice.op, subject, operands[1]->operand.release(), operands[2]->operand.release());
   } else {
@@ -368,10 +382,8 @@ bool Parser::NameOperand(ParsedOperand& operand) {
     operand.typed = false;
     return true;
   }
-  for (const char* keyword : kReserved) {
-    if (IsKeyword(text, keyword)) {
-      return Fail(operand.offset, "expected an operand, found '" + std::string(text) + "'");
-    }
+  if (IsReserved(current_)) {
+    return Fail(operand.offset, "expected an operand, found '" + std::string(text) + "'");
   }
   BBDFilterAttribute attribute;
   if (schema_ == nullptr || !schema_->Resolve(std::string(text), attribute)) {
@@ -401,10 +413,7 @@ bool BBDFilterParser::IsNamePart(std::string_view word) {
       word.find('.') != std::string_view::npos) {
     return false;
   }
-  for (const char* keyword : kReserved) {
-    if (IsKeyword(word, keyword)) return false;
-  }
-  return true;
+  return !IsReserved(token);
 }
 
 void BBDFilterParser::BindVariable(const std::string& name, const char* const* variable) {

@@ -3,77 +3,42 @@
 namespace idxbase::detail {
 namespace {
 
-constexpr int kNone = -1;
-
-// The operator of each kind (rows, in CompareKind order) for each value
-// type (columns: int, string, float, boolean, time); kNone where the
-// comparison does not apply.
-constexpr int kOperators[10][5] = {
-    {IDX_Filter_Op_EqualInt, IDX_Filter_Op_EqualString, IDX_Filter_Op_EqualFloat,
-     IDX_Filter_Op_EqualBoolean, IDX_Filter_Op_EqualTime},
-    {IDX_Filter_Op_DifferentInt, IDX_Filter_Op_DifferentString, IDX_Filter_Op_DifferentFloat,
-     IDX_Filter_Op_DifferentBoolean, IDX_Filter_Op_DifferentTime},
-    {IDX_Filter_Op_LowerInt, IDX_Filter_Op_LowerString, IDX_Filter_Op_LowerFloat, kNone,
-     IDX_Filter_Op_LowerTime},
-    {IDX_Filter_Op_LowerEqInt, IDX_Filter_Op_LowerEqString, IDX_Filter_Op_LowerEqFloat, kNone,
-     IDX_Filter_Op_LowerEqTime},
-    {IDX_Filter_Op_HigherInt, IDX_Filter_Op_HigherString, IDX_Filter_Op_HigherFloat, kNone,
-     IDX_Filter_Op_HigherTime},
-    {IDX_Filter_Op_HigherEqInt, IDX_Filter_Op_HigherEqString, IDX_Filter_Op_HigherEqFloat, kNone,
-     IDX_Filter_Op_HigherEqTime},
-    {IDX_Filter_Op_BetweenInt, IDX_Filter_Op_BetweenString, IDX_Filter_Op_BetweenFloat, kNone,
-     IDX_Filter_Op_BetweenTime},
-    {IDX_Filter_Op_InInt, IDX_Filter_Op_InString, IDX_Filter_Op_InFloat, IDX_Filter_Op_InBoolean,
-     kNone},
-    {kNone, IDX_Filter_Op_LikeString, kNone, kNone, kNone},
-    {kNone, IDX_Filter_Op_NotLikeString, kNone, kNone, kNone},
-};
-
-constexpr const char* kKindNames[10] = {"=",  "<>",      "<",  "<=",   ">",
-                                        ">=", "BETWEEN", "IN", "LIKE", "NOT_LIKE"};
-
-int Column(IDX_Filter_ValueType type) {
+const char* TypeName(IDX_Filter_ValueType type) {
   switch (type) {
     case IDX_Filter_Type_Int:
-      return 0;
+      return "an integer";
     case IDX_Filter_Type_String:
-      return 1;
+      return "a string";
     case IDX_Filter_Type_Float:
-      return 2;
+      return "a float";
     case IDX_Filter_Type_Boolean:
-      return 3;
+      return "a boolean";
     case IDX_Filter_Type_Time:
-      return 4;
+      return "a time";
     default:
-      return kNone;
+      return "of no comparable type";
   }
-}
-
-const char* TypeName(IDX_Filter_ValueType type) {
-  static const char* const kNames[5] = {"an integer", "a string", "a float", "a boolean", "a time"};
-  const int column = Column(type);
-  return column == kNone ? "of no comparable type" : kNames[column];
 }
 
 std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
 
 }  // namespace
 
-OperatorChoice ChooseOperator(CompareKind kind, const std::vector<ParsedOperand*>& operands,
+OperatorChoice ChooseOperator(OperatorKind kind, const std::vector<ParsedOperand*>& operands,
                               std::size_t operatorOffset) {
-  // The type that decides: the first float, else the first typed operand.
+  // The type that decides: the first float, else the first typed operand,
+  // else the lowest type of the kind (an integer, or a string for LIKE).
   const ParsedOperand* decider = nullptr;
   for (const ParsedOperand* operand : operands) {
     if (!operand->typed) continue;
     if (decider == nullptr || operand->type == IDX_Filter_Type_Float) decider = operand;
     if (operand->type == IDX_Filter_Type_Float) break;
   }
-  IDX_Filter_ValueType type = IDX_Filter_Type_Int;
-  if (decider != nullptr) {
-    type = decider->type;
-  } else if (kind == CompareKind::kLike || kind == CompareKind::kNotLike) {
-    type = IDX_Filter_Type_String;
+  const OperatorRow* kindRow = nullptr;
+  for (const OperatorRow& row : kOperatorRows) {
+    if (row.kind == kind && (kindRow == nullptr || row.type < kindRow->type)) kindRow = &row;
   }
+  const IDX_Filter_ValueType type = decider != nullptr ? decider->type : kindRow->type;
 
   OperatorChoice choice;
   for (ParsedOperand* operand : operands) {
@@ -89,15 +54,14 @@ OperatorChoice ChooseOperator(CompareKind kind, const std::vector<ParsedOperand*
     choice.errorOffset = operand->offset;
     return choice;
   }
-  const int column = Column(type);
-  const int op = column == kNone ? kNone : kOperators[static_cast<int>(kind)][column];
-  if (op == kNone) {
-    choice.error = std::string("'") + kKindNames[static_cast<int>(kind)] + "' does not apply to " +
-                   TypeName(type) + " value";
-    choice.errorOffset = operatorOffset;
-    return choice;
+  for (const OperatorRow& row : kOperatorRows) {
+    if (row.kind == kind && row.type == type) {
+      choice.op = row.op;
+      return choice;
+    }
   }
-  choice.op = static_cast<IDX_Filter_Operator>(op);
+  choice.error = Quoted(kindRow->name) + " does not apply to " + TypeName(type) + " value";
+  choice.errorOffset = operatorOffset;
   return choice;
 }
 

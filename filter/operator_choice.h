@@ -8,23 +8,11 @@
 #include <string_view>
 #include <vector>
 
+#include "filter/operator_table.h"
 #include "idxbase/filter_operands.h"
 #include "idxbase/filter_vocabulary.h"
 
 namespace idxbase::detail {
-
-enum class CompareKind {
-  kEqual,
-  kDifferent,
-  kLower,
-  kLowerEq,
-  kHigher,
-  kHigherEq,
-  kBetween,
-  kIn,
-  kLike,
-  kNotLike,
-};
 
 // One operand as written, with what typing needs to know of it.
 struct ParsedOperand {
@@ -43,10 +31,11 @@ struct OperatorChoice {
   std::size_t errorOffset = 0;
 };
 
-// Chooses the typed operator of `kind` over `operands` (the subject first,
-// then the values or the set's elements). An integer constant meeting a
-// float is replaced in place by the equal float constant.
-OperatorChoice ChooseOperator(CompareKind kind, const std::vector<ParsedOperand*>& operands,
+// Chooses the row of `kind` that compares the type of `operands` (the
+// subject first, then the values or the set's elements); the kind's first
+// type when none has a type. An integer constant meeting a float is
+// replaced in place by the equal float constant.
+OperatorChoice ChooseOperator(OperatorKind kind, const std::vector<ParsedOperand*>& operands,
                               std::size_t operatorOffset);
 
 }  // namespace idxbase::detail

@@ -1,19 +1,11 @@
 #include "filter/operator_names.h"
 
-#include "idxbase/filter_vocabulary.h"
+#include "filter/operator_table.h"
 
 namespace idxbase::detail {
 
 const char* OperatorName(int op) {
-  static const char* const kNames[IDX_Filter_Infos::kOperatorCount] = {
-      "!",       "|",       "&",       "=",  "=",        "=",        "=",
-      "BETWEEN", "BETWEEN", "BETWEEN", "<",  "<",        "<",        "<=",
-      "<=",      "<=",      ">",       ">",  ">",        ">=",       ">=",
-      ">=",      "KINDOF",  "LIKE",    "<>", "<>",       "<>",       "<>",
-      "IN",      "IN",      "IN",      "IN", "multival", "NOT_LIKE", "=",
-      "<>",      "BETWEEN", "<",       "<=", ">",        ">=",       "UNSUPPORTED_OP",
-  };
-  return op >= 0 && op < IDX_Filter_Infos::kOperatorCount ? kNames[op] : "UNKNOWN_OP";
+  return op >= 0 && op < IDX_Filter_Infos::kOperatorCount ? kOperatorRows[op].name : "UNKNOWN_OP";
 }
 
 }  // namespace idxbase::detail

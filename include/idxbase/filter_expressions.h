@@ -86,9 +86,9 @@ class IDXBASE_API BBDExpression {
 // a subject (first operand) and one value, a low and a high bound
 // (between), a set (in) or a pattern (like). The evaluation function is
 // chosen once, at construction; evaluating costs one indirect call plus
-// the operands' reads. An operator without evaluation (0, 1, 2, 22, 32, or
-// outside 0..41) prints "No evaluation function defined.\n" and is
-// undecidable.
+// the operands' reads. An operator without evaluation (none in its
+// operator-table row, or outside 0..41) prints "No evaluation function
+// defined.\n" and is undecidable.
 //
 // Every evaluation asks every operand it needs for its value as it is
 // then. An operand whose dynamic type is exactly one of the library's
@@ -108,6 +108,7 @@ class IDXBASE_API BBDExpression {
 // Evaluation writes into the expression (its value slots) and into the
 // process-wide case switch.
 class IDXBASE_API BBDBasicExpression : public BBDExpression {
+  friend struct idxbase::detail::OperatorTable;  // its rows name the Eval functions
  public:
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second);
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second,

@@ -6,6 +6,10 @@
 #include "idxbase/export.h"
 #include "idxbase/kor_types.h"
 
+namespace idxbase::detail {
+struct OperatorTable;  // the facts of each operator, one row per operator
+}  // namespace idxbase::detail
+
 // Results of every filter evaluation (a KORStatus):
 //   IDX_FILTER_HOLDS        0            the condition holds
 //   IDX_FILTER_DOES_NOT     1            the condition does not hold
@@ -37,7 +41,9 @@ enum IDX_Filter_OperandType : int {
 };
 
 // What an expression does. Each comparison carries its value type; values
-// outside 0..41 are not operators and have no evaluation.
+// outside 0..41 are not operators and have no evaluation. Each operator's
+// rendering name, operand count, type and evaluation are its row in the
+// library's operator table (filter/operator_table.h).
 enum IDX_Filter_Operator : int {
   IDX_Filter_Op_Not = 0,
   IDX_Filter_Op_Or = 1,
@@ -61,7 +67,7 @@ enum IDX_Filter_Operator : int {
   IDX_Filter_Op_HigherEqString = 19,
   IDX_Filter_Op_HigherEqInt = 20,
   IDX_Filter_Op_HigherEqFloat = 21,
-  IDX_Filter_Op_KindOf = 22,  // vocabulary only: no evaluation here
+  IDX_Filter_Op_KindOf = 22,
   IDX_Filter_Op_LikeString = 23,
   IDX_Filter_Op_DifferentInt = 24,
   IDX_Filter_Op_DifferentString = 25,
@@ -70,8 +76,8 @@ enum IDX_Filter_Operator : int {
   IDX_Filter_Op_InInt = 28,
   IDX_Filter_Op_InString = 29,
   IDX_Filter_Op_InFloat = 30,
-  IDX_Filter_Op_InBoolean = 31,  // evaluated by the integer membership test
-  IDX_Filter_Op_MultiVal = 32,   // vocabulary only: no evaluation here
+  IDX_Filter_Op_InBoolean = 31,
+  IDX_Filter_Op_MultiVal = 32,
   IDX_Filter_Op_NotLikeString = 33,
   IDX_Filter_Op_EqualTime = 34,
   IDX_Filter_Op_DifferentTime = 35,
@@ -80,7 +86,7 @@ enum IDX_Filter_Operator : int {
   IDX_Filter_Op_LowerEqTime = 38,
   IDX_Filter_Op_HigherTime = 39,
   IDX_Filter_Op_HigherEqTime = 40,
-  IDX_Filter_Op_Unsupported = 41,  // always undecidable
+  IDX_Filter_Op_Unsupported = 41,
 };
 
 // Two read-only tables indexed by operator value (0 to 41), for the code
@@ -90,11 +96,9 @@ class IDXBASE_API IDX_Filter_Infos {
   static constexpr int kOperatorCount = 42;
 
   // How many operands follow the subject: 1 for a comparison, 2 for a
-  // range, -1 for a list (IN, KINDOF), 0 for the logical operators and
-  // for IDX_Filter_Op_Unsupported.
+  // range, -1 for a list, 0 for an operator that takes none.
   static const int NumberOfOperands[kOperatorCount];
-  // The value type that the operator compares; the logical operators carry
-  // IDX_Filter_Type_Boolean, MultiVal IDX_Filter_Type_Set, Unsupported 0.
+  // The value type that the operator compares.
   static const IDX_Filter_ValueType OperatorType[kOperatorCount];
 };
 

@@ -181,37 +181,17 @@ class TreeGenerator {
     return buffer;
   }
 
+  // A comparison of one or two values over integers, floats, strings or
+  // booleans: not IN (a set renders no text) nor time (its constants
+  // render unreadably).
   BBDExpression* Comparison() {
-    static const IDX_Filter_Operator kInt[] = {IDX_Filter_Op_EqualInt,  IDX_Filter_Op_DifferentInt,
-                                               IDX_Filter_Op_LowerInt,  IDX_Filter_Op_LowerEqInt,
-                                               IDX_Filter_Op_HigherInt, IDX_Filter_Op_HigherEqInt,
-                                               IDX_Filter_Op_BetweenInt};
-    static const IDX_Filter_Operator kFloat[] = {
-        IDX_Filter_Op_EqualFloat,   IDX_Filter_Op_DifferentFloat, IDX_Filter_Op_LowerFloat,
-        IDX_Filter_Op_LowerEqFloat, IDX_Filter_Op_HigherFloat,    IDX_Filter_Op_HigherEqFloat,
-        IDX_Filter_Op_BetweenFloat};
-    static const IDX_Filter_Operator kString[] = {
-        IDX_Filter_Op_EqualString,   IDX_Filter_Op_DifferentString, IDX_Filter_Op_LowerString,
-        IDX_Filter_Op_LowerEqString, IDX_Filter_Op_HigherString,    IDX_Filter_Op_HigherEqString,
-        IDX_Filter_Op_BetweenString, IDX_Filter_Op_LikeString,      IDX_Filter_Op_NotLikeString};
-    static const IDX_Filter_Operator kBool[] = {IDX_Filter_Op_EqualBoolean,
-                                                IDX_Filter_Op_DifferentBoolean};
-    IDX_Filter_ValueType type;
     IDX_Filter_Operator op;
-    switch (Below(4)) {
-      case 0:
-        type = IDX_Filter_Type_Int, op = kInt[Below(7)];
-        break;
-      case 1:
-        type = IDX_Filter_Type_Float, op = kFloat[Below(7)];
-        break;
-      case 2:
-        type = IDX_Filter_Type_String, op = kString[Below(9)];
-        break;
-      default:
-        type = IDX_Filter_Type_Boolean, op = kBool[Below(2)];
-        break;
-    }
+    IDX_Filter_ValueType type;
+    do {
+      op = static_cast<IDX_Filter_Operator>(Below(IDX_Filter_Infos::kOperatorCount));
+      type = IDX_Filter_Infos::OperatorType[op];
+    } while (IDX_Filter_Infos::NumberOfOperands[op] <= 0 || type == IDX_Filter_Type_Set ||
+             type == IDX_Filter_Type_Time);
     if (IDX_Filter_Infos::NumberOfOperands[op] == 2) {
       // A range missing a bound renders without it: no text stands for it.
       BBDOperand* subject = Operand(type);

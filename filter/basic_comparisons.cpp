@@ -2,12 +2,14 @@
 // comparison reads its operands into the expression's value slots and
 // compares them; only a membership test over a set that is not made of the
 // library's constants builds a (pointer) list.
+#include "filter/comparison_rules.h"
 #include "filter/constant_values.h"
 #include "filter/operator_table.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 
 using Basic = BBDBasicExpression;
+namespace rules = idxbase::detail::rules;
 
 namespace {
 
@@ -34,11 +36,6 @@ KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIA
 }
 
 KORStatus Decide(bool holds) { return holds ? IDX_FILTER_HOLDS : IDX_FILTER_DOES_NOT; }
-
-bool SameDay(const KORTime& a, const KORTime& b) {
-  return a.GetYear(0) == b.GetYear(0) && a.GetMonth(0) == b.GetMonth(0) &&
-         a.GetDay(0) == b.GetDay(0);
-}
 
 }  // namespace
 
@@ -104,7 +101,8 @@ KORStatus Basic::CompareRange(const BBDOccurrence& o, unsigned int c, BBDIAttrib
 template <class Value, class Same>
 KORStatus Basic::IsMember(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r, Same same) {
   if (Read<Value>(0, o, c, r) != KOR_S_OK) return IDX_FILTER_UNDECIDABLE;
-  if (m_Exact[1] == idxbase::detail::ExactOperand::kSet) return FindInLibrarySet<Value>(o, c, r, same);
+  if (m_Exact[1] == idxbase::detail::ExactOperand::kSet)
+    return FindInLibrarySet<Value>(o, c, r, same);
   KORListPtrBBDOperand elements;
   if (m_Operand[1] == nullptr || m_Operand[1]->GetValSet(o, c, r, elements) != KOR_S_OK) {
     return IDX_FILTER_UNDECIDABLE;
@@ -151,45 +149,44 @@ KORStatus Basic::FindMember(const KORListPtrBBDOperand& elements, const BBDOccur
 }
 
 KORStatus Basic::EvalEqualInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a == b; });
+  return Compare<int>(o, c, r, rules::Equal{});
 }
 
 KORStatus Basic::EvalEqualString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
-    return CompareStrings(a.length, a.text, b.length, b.text) == 0;
+    return rules::Equal::Order(CompareStrings(a.length, a.text, b.length, b.text));
   });
 }
 
 KORStatus Basic::EvalEqualFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<float>(o, c, r, [](const float& a, const float& b) { return a == b; });
+  return Compare<float>(o, c, r, rules::Equal{});
 }
 
 KORStatus Basic::EvalEqualBoolean(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<bool>(o, c, r, [](const bool& a, const bool& b) { return a == b; });
+  return Compare<bool>(o, c, r, rules::Equal{});
 }
 
 KORStatus Basic::EvalEqualTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<KORTime>(o, c, r,
-                          [](const KORTime& a, const KORTime& b) { return SameDay(a, b); });
+  return Compare<KORTime>(o, c, r, rules::Equal{});
 }
 
 KORStatus Basic::EvalDifferentInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a != b; });
+  return Compare<int>(o, c, r, rules::Different{});
 }
 
 KORStatus Basic::EvalDifferentString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
-    return CompareStrings(a.length, a.text, b.length, b.text) != 0;
+    return rules::Different::Order(CompareStrings(a.length, a.text, b.length, b.text));
   });
 }
 
 KORStatus Basic::EvalDifferentFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<float>(o, c, r, [](const float& a, const float& b) { return !(a == b); });
+  return Compare<float>(o, c, r, rules::Different{});
 }
 
 KORStatus Basic::EvalDifferentBoolean(const BBDOccurrence& o, unsigned int c,
                                       BBDIAttributeRead& r) {
-  return Compare<bool>(o, c, r, [](const bool& a, const bool& b) { return a != b; });
+  return Compare<bool>(o, c, r, rules::Different{});
 }
 
 // Holds whenever equality does not: also when equality is undecidable.
@@ -198,113 +195,108 @@ KORStatus Basic::EvalDifferentTime(const BBDOccurrence& o, unsigned int c, BBDIA
 }
 
 KORStatus Basic::EvalLowerInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a < b; });
+  return Compare<int>(o, c, r, rules::Lower{});
 }
 
 KORStatus Basic::EvalLowerString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
-    return CompareStrings(a.length, a.text, b.length, b.text) < 0;
+    return rules::Lower::Order(CompareStrings(a.length, a.text, b.length, b.text));
   });
 }
 
 KORStatus Basic::EvalLowerFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<float>(o, c, r, [](const float& a, const float& b) { return b > a; });
+  return Compare<float>(o, c, r, rules::Lower{});
 }
 
 KORStatus Basic::EvalLowerTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return a < b; });
+  return Compare<KORTime>(o, c, r, rules::Lower{});
 }
 
 KORStatus Basic::EvalLowerEqInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<int>(o, c, r, [](const int& a, const int& b) { return !(a > b); });
+  return Compare<int>(o, c, r, rules::LowerEq{});
 }
 
 KORStatus Basic::EvalLowerEqString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
-    return CompareStrings(a.length, a.text, b.length, b.text) <= 0;
+    return rules::LowerEq::Order(CompareStrings(a.length, a.text, b.length, b.text));
   });
 }
 
 KORStatus Basic::EvalLowerEqFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<float>(o, c, r, [](const float& a, const float& b) { return b >= a; });
+  return Compare<float>(o, c, r, rules::LowerEq{});
 }
 
 KORStatus Basic::EvalLowerEqTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return !(a > b); });
+  return Compare<KORTime>(o, c, r, rules::LowerEq{});
 }
 
 KORStatus Basic::EvalHigherInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<int>(o, c, r, [](const int& a, const int& b) { return a > b; });
+  return Compare<int>(o, c, r, rules::Higher{});
 }
 
 KORStatus Basic::EvalHigherString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
-    return CompareStrings(a.length, a.text, b.length, b.text) > 0;
+    return rules::Higher::Order(CompareStrings(a.length, a.text, b.length, b.text));
   });
 }
 
 KORStatus Basic::EvalHigherFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<float>(o, c, r, [](const float& a, const float& b) { return a > b; });
+  return Compare<float>(o, c, r, rules::Higher{});
 }
 
 KORStatus Basic::EvalHigherTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return a > b; });
+  return Compare<KORTime>(o, c, r, rules::Higher{});
 }
 
 KORStatus Basic::EvalHigherEqInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<int>(o, c, r, [](const int& a, const int& b) { return !(a < b); });
+  return Compare<int>(o, c, r, rules::HigherEq{});
 }
 
 KORStatus Basic::EvalHigherEqString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return Compare<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& b) {
-    return CompareStrings(a.length, a.text, b.length, b.text) >= 0;
+    return rules::HigherEq::Order(CompareStrings(a.length, a.text, b.length, b.text));
   });
 }
 
 KORStatus Basic::EvalHigherEqFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<float>(o, c, r, [](const float& a, const float& b) { return a >= b; });
+  return Compare<float>(o, c, r, rules::HigherEq{});
 }
 
 KORStatus Basic::EvalHigherEqTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return Compare<KORTime>(o, c, r, [](const KORTime& a, const KORTime& b) { return a >= b; });
+  return Compare<KORTime>(o, c, r, rules::HigherEq{});
 }
 
 KORStatus Basic::EvalBetweenInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return CompareRange<int>(
-      o, c, r, [](const int& a, const int& lo, const int& hi) { return !(a < lo) && !(a > hi); });
+  return CompareRange<int>(o, c, r, rules::Between{});
 }
 
 KORStatus Basic::EvalBetweenString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return CompareRange<StringSlot>(
       o, c, r, [](const StringSlot& a, const StringSlot& lo, const StringSlot& hi) {
-        return CompareStrings(a.length, a.text, lo.length, lo.text) >= 0 &&
-               CompareStrings(a.length, a.text, hi.length, hi.text) <= 0;
+        return rules::Between::Order(CompareStrings(a.length, a.text, lo.length, lo.text),
+                                     CompareStrings(a.length, a.text, hi.length, hi.text));
       });
 }
 
 KORStatus Basic::EvalBetweenFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return CompareRange<float>(o, c, r, [](const float& a, const float& lo, const float& hi) {
-    return !(lo > a) && !(a > hi);
-  });
+  return CompareRange<float>(o, c, r, rules::Between{});
 }
 
 KORStatus Basic::EvalBetweenTime(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return CompareRange<KORTime>(o, c, r, [](const KORTime& a, const KORTime& lo, const KORTime& hi) {
-    return !(a < lo) && !(a > hi);
-  });
+  return CompareRange<KORTime>(o, c, r, rules::Between{});
 }
 
 KORStatus Basic::EvalInInt(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return IsMember<int>(o, c, r, [](const int& a, const int& e) { return a == e; });
+  return IsMember<int>(o, c, r, rules::Equal{});
 }
 
 KORStatus Basic::EvalInFloat(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
-  return IsMember<float>(o, c, r, [](const float& a, const float& e) { return a == e; });
+  return IsMember<float>(o, c, r, rules::Equal{});
 }
 
 KORStatus Basic::EvalInString(const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r) {
   return IsMember<StringSlot>(o, c, r, [](const StringSlot& a, const StringSlot& e) {
-    return CompareStrings(a.length, a.text, e.length, e.text) == 0;
+    return rules::Equal::Order(CompareStrings(a.length, a.text, e.length, e.text));
   });
 }
 

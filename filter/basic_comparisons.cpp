@@ -10,30 +10,9 @@
 
 using Basic = BBDBasicExpression;
 namespace rules = idxbase::detail::rules;
+using idxbase::detail::Get;
 
 namespace {
-
-KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-              int& value) {
-  return operand.GetValInt(o, c, r, value);
-}
-KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-              float& value) {
-  return operand.GetValFloat(o, c, r, value);
-}
-KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-              bool& value) {
-  return operand.GetValBool(o, c, r, value);
-}
-KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-              KORTime& value) {
-  return operand.GetValTime(o, c, r, value);
-}
-template <class Slot>
-KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c, BBDIAttributeRead& r,
-              Slot& value) {
-  return operand.GetValString(o, c, r, value.text, value.length);
-}
 
 KORStatus Decide(bool holds) { return holds ? IDX_FILTER_HOLDS : IDX_FILTER_DOES_NOT; }
 

@@ -4,7 +4,7 @@
 // read takes the value as it is now, so an assignment to the constant after
 // compilation is seen by the next evaluation. Classes derived from them (a
 // caller's subclass) never match and are always asked through their
-// virtual operations.
+// virtual operations. Also the typed reads through the operand interface.
 #ifndef IDXBASE_FILTER_CONSTANT_VALUES_H_
 #define IDXBASE_FILTER_CONSTANT_VALUES_H_
 
@@ -65,6 +65,29 @@ struct ConstantOf<KORTime> {
   using Class = BBDOperandTimeConst;
   static constexpr ExactOperand kKind = ExactOperand::kTime;
 };
+
+// Asks `operand` for its value of the type of `value`, through its virtual
+// read.
+inline KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c,
+                     BBDIAttributeRead& r, int& value) {
+  return operand.GetValInt(o, c, r, value);
+}
+inline KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c,
+                     BBDIAttributeRead& r, float& value) {
+  return operand.GetValFloat(o, c, r, value);
+}
+inline KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c,
+                     BBDIAttributeRead& r, bool& value) {
+  return operand.GetValBool(o, c, r, value);
+}
+inline KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c,
+                     BBDIAttributeRead& r, KORTime& value) {
+  return operand.GetValTime(o, c, r, value);
+}
+inline KORStatus Get(BBDOperand& operand, const BBDOccurrence& o, unsigned int c,
+                     BBDIAttributeRead& r, StringValue& value) {
+  return operand.GetValString(o, c, r, value.text, value.length);
+}
 
 // True when `operand` is exactly the library constant of type Value.
 template <class Value>

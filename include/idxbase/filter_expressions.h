@@ -109,6 +109,7 @@ class IDXBASE_API BBDExpression {
 // process-wide case switch.
 class IDXBASE_API BBDBasicExpression : public BBDExpression {
   friend struct idxbase::detail::OperatorTable;  // its rows name the Eval functions
+  friend struct idxbase::detail::TreeAccess;     // the column evaluator reads the operands
  public:
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second);
   BBDBasicExpression(IDX_Filter_Operator op, BBDOperand* first, BBDOperand* second,
@@ -257,6 +258,7 @@ class IDXBASE_API BBDComposedExpression : public BBDExpression {
   BBDExpression* Compile() override;
 
  private:
+  friend struct idxbase::detail::TreeAccess;
   KORStatus EvalNot(const BBDOccurrence&, unsigned int, BBDIAttributeRead&, bool);
   KORStatus EvalOr(const BBDOccurrence&, unsigned int, BBDIAttributeRead&, bool);
   KORStatus EvalAnd(const BBDOccurrence&, unsigned int, BBDIAttributeRead&, bool);

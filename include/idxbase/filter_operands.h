@@ -20,8 +20,10 @@ class BBDTypeInfo;
 
 namespace idxbase::detail {
 
-// The evaluation's direct reads of the library's own constants (internal).
+// The evaluation's direct reads of the library's own constants, and the
+// column evaluator's view of a tree (internal).
 struct ConstantValues;
+struct TreeAccess;
 
 // A string value as an operand delivers it: bytes and their length.
 struct StringValue {

@@ -9,6 +9,7 @@
 #include "idxbase/checksum.h"
 #include "idxbase/export.h"
 #include "idxbase/filter_attributes.h"
+#include "idxbase/filter_batch.h"
 #include "idxbase/filter_expressions.h"
 #include "idxbase/filter_operands.h"
 #include "idxbase/filter_parser.h"

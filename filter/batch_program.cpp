@@ -1,0 +1,757 @@
+// The column evaluator. At each call the tree is read into nodes: fixed
+// answers, not/or/and over child nodes, and comparisons whose operands are
+// either a column chunk or a value read once for the call (a constant, a
+// user string, a set's elements). Each chunk of rows is then answered node
+// by node, with codes 0 (holds), 1 (does not hold) and 2 (undecidable), so
+// that or is the minimum of its sides and and the maximum.
+//
+// A node is told which of its rows can still change the answer ("care": 0
+// no, 1 only whether it is undecidable, 2 fully), so that the costly
+// string comparisons run only where they matter; cheap comparisons answer
+// every row. A row that does not matter may hold any code.
+#include "filter/batch_program.h"
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+#include <typeinfo>
+
+#include "filter/comparison_rules.h"
+#include "filter/constant_values.h"
+#include "filter/operator_table.h"
+#include "filter/resolved_attribute.h"
+#include "filter/string_compare.h"
+#include "idxbase/filter_attributes.h"
+
+namespace idxbase::detail {
+
+// The parts of a tree that the evaluator reads.
+struct TreeAccess {
+  static BBDExpression* First(BBDComposedExpression& e) { return e.m_First; }
+  static BBDExpression* Second(BBDComposedExpression& e) { return e.m_Second; }
+  static BBDOperand* OperandOf(BBDBasicExpression& e, int position) {
+    return e.m_Operand[position].get();
+  }
+};
+
+namespace {
+
+constexpr std::uint8_t kHolds = 0;
+constexpr std::uint8_t kDoesNot = 1;
+constexpr std::uint8_t kUndecidable = 2;
+constexpr std::uint8_t kNotOf[3] = {kDoesNot, kHolds, kUndecidable};
+
+// A chunk's worth of values of one type, owned by a column or a constant.
+struct AnyChunk {
+  virtual ~AnyChunk() = default;
+};
+template <class Value>
+struct TypedChunk : AnyChunk {
+  ChunkOf<Value> chunk;
+};
+template <class Value>
+struct TypedMembers : AnyChunk {
+  std::vector<Value> values;
+};
+
+// Values travel as the comparison reads them; times as their seconds.
+template <IDX_Filter_ValueType Type>
+struct ValueOf;
+template <>
+struct ValueOf<IDX_Filter_Type_Int> {
+  using Type = int;
+};
+template <>
+struct ValueOf<IDX_Filter_Type_Float> {
+  using Type = float;
+};
+template <>
+struct ValueOf<IDX_Filter_Type_Boolean> {
+  using Type = bool;
+};
+template <>
+struct ValueOf<IDX_Filter_Type_Time> {
+  using Type = std::int64_t;
+};
+template <>
+struct ValueOf<IDX_Filter_Type_String> {
+  using Type = StringValue;
+};
+
+// The occurrence and reader of a value read that needs neither: the
+// library's constants, sets and user strings ignore them.
+class NoOccurrence : public BBDOccurrence {
+ public:
+  unsigned int GetLevelKey(unsigned int) const override { return 0; }
+  unsigned int GetLevelCount() const override { return 0; }
+};
+
+// A reader that answers nothing and notes the pair it was asked for: what
+// an attribute operand would read, and whether it would read at all.
+class PairProbe : public BBDIAttributeRead {
+ public:
+  int ReadInt(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int&) override {
+    return Note(pair);
+  }
+  int ReadFloat(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, float&) override {
+    return Note(pair);
+  }
+  int ReadString(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, const char*&,
+                 int&) override {
+    return Note(pair);
+  }
+  int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, KORTime&) override {
+    return Note(pair);
+  }
+  int ReadBool(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int&) override {
+    return Note(pair);
+  }
+  int IsOfType(const BBDOccurrence&, unsigned int, BBDTypeInfo*, int&) override { return 0; }
+  AttributeTypePair ResolvePair(const char*, int, unsigned int) override { return {}; }
+  AttributeTypePair ResolveStringPair(const char*, int, unsigned int) override { return {}; }
+
+  bool asked = false;
+  bool hasPair = false;
+  AttributeTypePair noted;
+
+ private:
+  int Note(AttributeTypePair* read) {
+    asked = true;
+    hasPair = read != nullptr;
+    if (hasPair) noted = AttributeTypePair(read->GetType(), read->GetAttribute());
+    return 0;
+  }
+};
+
+// Reads `operand`'s value as Value; false when it delivers none.
+bool ReadOnce(BBDOperand& operand, BBDIAttributeRead& reader, int& value) {
+  return Get(operand, NoOccurrence(), 0, reader, value) == KOR_S_OK;
+}
+bool ReadOnce(BBDOperand& operand, BBDIAttributeRead& reader, float& value) {
+  return Get(operand, NoOccurrence(), 0, reader, value) == KOR_S_OK;
+}
+bool ReadOnce(BBDOperand& operand, BBDIAttributeRead& reader, bool& value) {
+  return Get(operand, NoOccurrence(), 0, reader, value) == KOR_S_OK;
+}
+bool ReadOnce(BBDOperand& operand, BBDIAttributeRead& reader, StringValue& value) {
+  return Get(operand, NoOccurrence(), 0, reader, value) == KOR_S_OK;
+}
+bool ReadOnce(BBDOperand& operand, BBDIAttributeRead& reader, std::int64_t& seconds) {
+  KORTime time;
+  if (Get(operand, NoOccurrence(), 0, reader, time) != KOR_S_OK) return false;
+  seconds = time.GetEpochSeconds();
+  return true;
+}
+
+// Asks an attribute operand for a value of `type` through the probe.
+void Probe(BBDOperand& operand, IDX_Filter_ValueType type, PairProbe& probe) {
+  switch (type) {
+    case IDX_Filter_Type_Int: {
+      int value;
+      ReadOnce(operand, probe, value);
+      break;
+    }
+    case IDX_Filter_Type_Float: {
+      float value;
+      ReadOnce(operand, probe, value);
+      break;
+    }
+    case IDX_Filter_Type_Boolean: {
+      bool value;
+      ReadOnce(operand, probe, value);
+      break;
+    }
+    case IDX_Filter_Type_Time: {
+      std::int64_t value;
+      ReadOnce(operand, probe, value);
+      break;
+    }
+    default: {
+      StringValue value;
+      ReadOnce(operand, probe, value);
+      break;
+    }
+  }
+}
+
+// The library's operands whose value does not depend on the occurrence.
+bool IsValueOperand(const std::type_info& type) {
+  return type == typeid(BBDOperandIntConst) || type == typeid(BBDOperandFloatConst) ||
+         type == typeid(BBDOperandBooleanConst) || type == typeid(BBDOperandStringConst) ||
+         type == typeid(BBDOperandTimeConst) || type == typeid(BBDNAOperand) ||
+         type == typeid(BBDOperandStringUser) || type == typeid(BBDOperandSet);
+}
+
+bool IsAttributeOperand(const std::type_info& type) {
+  return type == typeid(BBDOperandAttribute) || type == typeid(ResolvedAttribute);
+}
+
+// The type a comparison reads: its row's, except that the membership test
+// over booleans reads integers (its row's evaluation is the integer test).
+IDX_Filter_ValueType ReadTypeOf(const OperatorRow& row) {
+  return row.kind == OperatorKind::kIn && row.type == IDX_Filter_Type_Boolean ? IDX_Filter_Type_Int
+                                                                              : row.type;
+}
+
+}  // namespace
+
+// One operand of a comparison: kBatchChunk values and availabilities of the
+// read type, from a column's chunk or a constant repeated; or none at all.
+struct BatchOperand {
+  bool fails = false;
+  const void* values = nullptr;
+  const std::uint8_t* valid = nullptr;
+  std::unique_ptr<AnyChunk> repeated;  // the constant's values
+};
+
+struct BatchNode {
+  enum class Kind : std::uint8_t { kFixed, kNot, kOr, kAnd, kCompare };
+  using Kernel = void (*)(const BatchNode&, const std::uint8_t* care, std::uint8_t* out, int n,
+                          bool caseSensitive);
+
+  Kind kind = Kind::kFixed;
+  std::uint8_t fixed = kUndecidable;
+  int first = -1;
+  int second = -1;
+  Kernel kernel = nullptr;
+  BatchOperand operands[3];
+  // Membership: the elements' values up to the first that delivers none,
+  // and whether there is such an element.
+  std::unique_ptr<AnyChunk> members;
+  bool memberFails = false;
+  // The chunk's answers, and what the parent needs of them.
+  std::uint8_t codes[kBatchChunk];
+  std::uint8_t care[kBatchChunk];
+};
+
+namespace {
+
+template <class Value>
+const Value* ValuesOf(const BatchOperand& operand) {
+  return static_cast<const Value*>(operand.values);
+}
+
+template <class Rule>
+bool Decide(Rule rule, int a, int b) {
+  return rule(a, b);
+}
+template <class Rule>
+bool Decide(Rule rule, float a, float b) {
+  return rule(a, b);
+}
+template <class Rule>
+bool Decide(Rule rule, bool a, bool b) {
+  return rule(a, b);
+}
+template <class Rule>
+bool Decide(Rule rule, std::int64_t a, std::int64_t b) {
+  return rule(KORTime::FromEpochSeconds(a), KORTime::FromEpochSeconds(b));
+}
+template <class Rule>
+bool DecideRange(Rule rule, int a, int lo, int hi) {
+  return rule(a, lo, hi);
+}
+template <class Rule>
+bool DecideRange(Rule rule, float a, float lo, float hi) {
+  return rule(a, lo, hi);
+}
+template <class Rule>
+bool DecideRange(Rule rule, std::int64_t a, std::int64_t lo, std::int64_t hi) {
+  return rule(KORTime::FromEpochSeconds(a), KORTime::FromEpochSeconds(lo),
+              KORTime::FromEpochSeconds(hi));
+}
+
+template <class Value, class Rule>
+void CompareKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out, int n, bool) {
+  const Value* a = ValuesOf<Value>(node.operands[0]);
+  const Value* b = ValuesOf<Value>(node.operands[1]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const std::uint8_t* vb = node.operands[1].valid;
+  for (int i = 0; i < n; ++i) {
+    const std::uint8_t decided = Decide(Rule{}, a[i], b[i]) ? kHolds : kDoesNot;
+    out[i] = (va[i] & vb[i]) != 0 ? decided : kUndecidable;
+  }
+}
+
+template <class Value>
+void BetweenKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out, int n, bool) {
+  const Value* a = ValuesOf<Value>(node.operands[0]);
+  const Value* lo = ValuesOf<Value>(node.operands[1]);
+  const Value* hi = ValuesOf<Value>(node.operands[2]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const std::uint8_t* vlo = node.operands[1].valid;
+  const std::uint8_t* vhi = node.operands[2].valid;
+  for (int i = 0; i < n; ++i) {
+    const std::uint8_t decided =
+        DecideRange(rules::Between{}, a[i], lo[i], hi[i]) ? kHolds : kDoesNot;
+    out[i] = (va[i] & vlo[i] & vhi[i]) != 0 ? decided : kUndecidable;
+  }
+}
+
+// A time difference holds unless the time equality holds.
+void DifferentTimeKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out, int n,
+                         bool) {
+  const auto* a = ValuesOf<std::int64_t>(node.operands[0]);
+  const auto* b = ValuesOf<std::int64_t>(node.operands[1]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const std::uint8_t* vb = node.operands[1].valid;
+  for (int i = 0; i < n; ++i) {
+    const bool sameDay = (va[i] & vb[i]) != 0 && Decide(rules::Equal{}, a[i], b[i]);
+    out[i] = sameDay ? kDoesNot : kHolds;
+  }
+}
+
+// Strings compare only where the answer matters; elsewhere only whether
+// they are available.
+template <class Test>
+void StringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
+                  bool caseSensitive, Test test) {
+  const auto* a = ValuesOf<StringValue>(node.operands[0]);
+  const auto* b = ValuesOf<StringValue>(node.operands[1]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const std::uint8_t* vb = node.operands[1].valid;
+  for (int i = 0; i < n; ++i) {
+    if ((va[i] & vb[i]) == 0) {
+      out[i] = kUndecidable;
+    } else {
+      out[i] = care[i] == 2 && test(caseSensitive, a[i], b[i]) ? kHolds : kDoesNot;
+    }
+  }
+}
+
+template <class Rule>
+void CompareStringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
+                         bool caseSensitive) {
+  StringKernel(node, care, out, n, caseSensitive,
+               [](bool cs, const StringValue& a, const StringValue& b) {
+                 return Rule::Order(CompareStrings(cs, a.length, a.text, b.length, b.text));
+               });
+}
+
+template <bool kMatches>
+void LikeKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
+                bool caseSensitive) {
+  StringKernel(
+      node, care, out, n, caseSensitive, [](bool cs, const StringValue& s, const StringValue& p) {
+        return (CompareLikeStrings(cs, s.length, s.text, p.length, p.text) == 0) == kMatches;
+      });
+}
+
+template <>
+void BetweenKernel<StringValue>(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out,
+                                int n, bool caseSensitive) {
+  const auto* a = ValuesOf<StringValue>(node.operands[0]);
+  const auto* lo = ValuesOf<StringValue>(node.operands[1]);
+  const auto* hi = ValuesOf<StringValue>(node.operands[2]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const std::uint8_t* vlo = node.operands[1].valid;
+  const std::uint8_t* vhi = node.operands[2].valid;
+  for (int i = 0; i < n; ++i) {
+    if ((va[i] & vlo[i] & vhi[i]) == 0) {
+      out[i] = kUndecidable;
+    } else if (care[i] != 2) {
+      out[i] = kDoesNot;
+    } else {
+      const int low =
+          CompareStrings(caseSensitive, a[i].length, a[i].text, lo[i].length, lo[i].text);
+      const int high =
+          CompareStrings(caseSensitive, a[i].length, a[i].text, hi[i].length, hi[i].text);
+      out[i] = rules::Between::Order(low, high) ? kHolds : kDoesNot;
+    }
+  }
+}
+
+bool Same(bool, int a, int e) { return rules::Equal{}(a, e); }
+bool Same(bool, float a, float e) { return rules::Equal{}(a, e); }
+bool Same(bool caseSensitive, const StringValue& a, const StringValue& e) {
+  return rules::Equal::Order(CompareStrings(caseSensitive, a.length, a.text, e.length, e.text));
+}
+
+// The first element equal to the subject decides; failing that, an element
+// that delivers no value makes the test undecidable.
+template <class Value>
+void MemberKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
+                  bool caseSensitive) {
+  const Value* a = ValuesOf<Value>(node.operands[0]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const std::vector<Value>& members = static_cast<const TypedMembers<Value>&>(*node.members).values;
+  const std::uint8_t notFound = node.memberFails ? kUndecidable : kDoesNot;
+  for (int i = 0; i < n; ++i) {
+    if (va[i] == 0) {
+      out[i] = kUndecidable;
+      continue;
+    }
+    if (care[i] == 0) {
+      out[i] = kDoesNot;
+      continue;
+    }
+    bool found = false;
+    for (const Value& member : members) {
+      if (Same(caseSensitive, a[i], member)) {
+        found = true;
+        break;
+      }
+    }
+    out[i] = found ? kHolds : notFound;
+  }
+}
+
+template <class Value>
+BatchNode::Kernel OrderKernel(OperatorKind kind) {
+  switch (kind) {
+    case OperatorKind::kEqual:
+      return &CompareKernel<Value, rules::Equal>;
+    case OperatorKind::kDifferent:
+      if constexpr (std::is_same_v<Value, std::int64_t>) {
+        return &DifferentTimeKernel;
+      } else {
+        return &CompareKernel<Value, rules::Different>;
+      }
+    case OperatorKind::kLower:
+      return &CompareKernel<Value, rules::Lower>;
+    case OperatorKind::kLowerEq:
+      return &CompareKernel<Value, rules::LowerEq>;
+    case OperatorKind::kHigher:
+      return &CompareKernel<Value, rules::Higher>;
+    case OperatorKind::kHigherEq:
+      return &CompareKernel<Value, rules::HigherEq>;
+    case OperatorKind::kBetween:
+      return &BetweenKernel<Value>;
+    default:
+      return nullptr;
+  }
+}
+
+BatchNode::Kernel StringKernelOf(OperatorKind kind) {
+  switch (kind) {
+    case OperatorKind::kEqual:
+      return &CompareStringKernel<rules::Equal>;
+    case OperatorKind::kDifferent:
+      return &CompareStringKernel<rules::Different>;
+    case OperatorKind::kLower:
+      return &CompareStringKernel<rules::Lower>;
+    case OperatorKind::kLowerEq:
+      return &CompareStringKernel<rules::LowerEq>;
+    case OperatorKind::kHigher:
+      return &CompareStringKernel<rules::Higher>;
+    case OperatorKind::kHigherEq:
+      return &CompareStringKernel<rules::HigherEq>;
+    case OperatorKind::kBetween:
+      return &BetweenKernel<StringValue>;
+    case OperatorKind::kLike:
+      return &LikeKernel<true>;
+    case OperatorKind::kNotLike:
+      return &LikeKernel<false>;
+    case OperatorKind::kIn:
+      return &MemberKernel<StringValue>;
+    default:
+      return nullptr;
+  }
+}
+
+// The kernel of a comparison of `kind` reading `type`.
+BatchNode::Kernel KernelOf(OperatorKind kind, IDX_Filter_ValueType type) {
+  switch (type) {
+    case IDX_Filter_Type_Int:
+      return kind == OperatorKind::kIn ? &MemberKernel<int> : OrderKernel<int>(kind);
+    case IDX_Filter_Type_Float:
+      return kind == OperatorKind::kIn ? &MemberKernel<float> : OrderKernel<float>(kind);
+    case IDX_Filter_Type_Boolean:
+      return kind == OperatorKind::kEqual       ? &CompareKernel<bool, rules::Equal>
+             : kind == OperatorKind::kDifferent ? &CompareKernel<bool, rules::Different>
+                                                : nullptr;
+    case IDX_Filter_Type_Time:
+      return OrderKernel<std::int64_t>(kind);
+    case IDX_Filter_Type_String:
+      return StringKernelOf(kind);
+    default:
+      return nullptr;
+  }
+}
+
+// Calls `f` with a value of the C++ type that comparisons of `type` read.
+template <class F>
+bool WithValueType(IDX_Filter_ValueType type, F f) {
+  switch (type) {
+    case IDX_Filter_Type_Int:
+      return f(int{});
+    case IDX_Filter_Type_Float:
+      return f(float{});
+    case IDX_Filter_Type_Boolean:
+      return f(bool{});
+    case IDX_Filter_Type_Time:
+      return f(std::int64_t{});
+    case IDX_Filter_Type_String:
+      return f(StringValue{});
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+struct BatchProgram::Binding {
+  int type;
+  int attribute;
+  BatchColumn column;
+};
+
+// A column that the tree reads, and its current chunk.
+struct BatchProgram::UsedColumn {
+  const BatchColumn* column;
+  std::unique_ptr<AnyChunk> chunk;
+  void (*read)(const BatchColumn&, std::int64_t, int, AnyChunk&);
+};
+
+BatchProgram::BatchProgram(BBDExpression* root) : root_(root) {}
+BatchProgram::~BatchProgram() = default;
+
+void BatchProgram::Bind(const AttributeTypePair& pair, const BatchColumn& column) {
+  for (Binding& binding : bindings_) {
+    if (binding.type == pair.GetType() && binding.attribute == pair.GetAttribute()) {
+      binding.column = column;
+      return;
+    }
+  }
+  bindings_.push_back(Binding{pair.GetType(), pair.GetAttribute(), column});
+}
+
+bool BatchProgram::Prepare(std::int64_t count, bool caseSensitive) {
+  count_ = count;
+  caseSensitive_ = caseSensitive;
+  nodes_.clear();
+  used_.clear();
+  return root_ != nullptr && AddExpression(root_) >= 0;
+}
+
+int BatchProgram::AddExpression(BBDExpression* expression) {
+  if (expression == nullptr) return -1;
+  const std::type_info& type = typeid(*expression);
+  if (type == typeid(BBDBasicExpression)) {
+    return AddComparison(static_cast<BBDBasicExpression&>(*expression));
+  }
+  nodes_.emplace_back();
+  const int index = static_cast<int>(nodes_.size()) - 1;
+  if (type == typeid(BBDNAExpression)) return index;
+  if (type != typeid(BBDComposedExpression)) return -1;
+  auto& composed = static_cast<BBDComposedExpression&>(*expression);
+  const IDX_Filter_Operator op = composed.GetOperator();
+  BBDExpression* first = TreeAccess::First(composed);
+  BBDExpression* second = TreeAccess::Second(composed);
+  // Another operator is undecidable without looking at its sides.
+  if (op != IDX_Filter_Op_Not && op != IDX_Filter_Op_Or && op != IDX_Filter_Op_And) {
+    return first != nullptr ? index : -1;
+  }
+  const int a = AddExpression(first);
+  if (a < 0) return -1;
+  BatchNode::Kind kind = BatchNode::Kind::kNot;
+  int b = -1;
+  if (op != IDX_Filter_Op_Not) {
+    b = AddExpression(second);
+    if (b < 0) return -1;
+    kind = op == IDX_Filter_Op_Or ? BatchNode::Kind::kOr : BatchNode::Kind::kAnd;
+  }
+  BatchNode& node = nodes_[static_cast<std::size_t>(index)];
+  node.kind = kind;
+  node.first = a;
+  node.second = b;
+  return index;
+}
+
+int BatchProgram::AddComparison(BBDBasicExpression& expression) {
+  const IDX_Filter_Operator op = expression.GetOperator();
+  if (op < 0 || op >= IDX_Filter_Infos::kOperatorCount) return -1;
+  const OperatorRow& row = kOperatorRows[op];
+  if (row.eval == nullptr) return -1;  // eval prints a message for every row
+  nodes_.emplace_back();
+  const int index = static_cast<int>(nodes_.size()) - 1;
+  if (op == IDX_Filter_Op_Unsupported) return index;
+  BatchNode& node = nodes_[static_cast<std::size_t>(index)];
+  const IDX_Filter_ValueType type = ReadTypeOf(row);
+  node.kernel = KernelOf(row.kind, type);
+  if (node.kernel == nullptr) return -1;
+  const int count = row.kind == OperatorKind::kBetween ? 3 : 2;
+  bool ok = AddOperand(TreeAccess::OperandOf(expression, 0), type, node.operands[0]);
+  if (row.kind == OperatorKind::kIn) {
+    ok = ok && AddMembers(TreeAccess::OperandOf(expression, 1), type, node);
+  } else {
+    for (int p = 1; ok && p < count; ++p) {
+      ok = AddOperand(TreeAccess::OperandOf(expression, p), type, node.operands[p]);
+    }
+  }
+  if (!ok) return -1;
+  bool fails = false;
+  for (int p = 0; p < count; ++p) fails = fails || node.operands[p].fails;
+  if (fails) {
+    node.kind = BatchNode::Kind::kFixed;
+    node.fixed = op == IDX_Filter_Op_DifferentTime ? kHolds : kUndecidable;
+  } else {
+    node.kind = BatchNode::Kind::kCompare;
+  }
+  return index;
+}
+
+bool BatchProgram::AddOperand(BBDOperand* operand, IDX_Filter_ValueType readType,
+                              BatchOperand& out) {
+  out.fails = true;
+  if (operand == nullptr) return true;
+  const std::type_info& type = typeid(*operand);
+  if (IsAttributeOperand(type)) {
+    PairProbe probe;
+    Probe(*operand, readType, probe);
+    if (!probe.asked) return true;  // it reads only its own value type
+    if (!probe.hasPair) return false;
+    const int used = UseColumn(probe.noted, readType);
+    if (used < 0) return false;
+    out.fails = false;
+    return WithValueType(readType, [&](auto kind) {
+      using Value = decltype(kind);
+      const ChunkOf<Value>& chunk =
+          static_cast<const TypedChunk<Value>&>(*used_[static_cast<std::size_t>(used)].chunk).chunk;
+      out.values = chunk.values;
+      out.valid = chunk.valid;
+      return true;
+    });
+  }
+  if (!IsValueOperand(type)) return false;
+  return WithValueType(readType, [&](auto kind) {
+    using Value = decltype(kind);
+    PairProbe noReader;
+    Value value{};
+    if (!ReadOnce(*operand, noReader, value)) return true;
+    auto repeated = std::make_unique<TypedChunk<Value>>();
+    const int n = count_ < kBatchChunk ? static_cast<int>(count_) : kBatchChunk;
+    std::fill_n(repeated->chunk.values, n, value);
+    std::memset(repeated->chunk.valid, 1, kBatchChunk);
+    out.values = repeated->chunk.values;
+    out.valid = repeated->chunk.valid;
+    out.repeated = std::move(repeated);
+    out.fails = false;
+    return true;
+  });
+}
+
+bool BatchProgram::AddMembers(BBDOperand* set, IDX_Filter_ValueType readType, BatchNode& node) {
+  BatchOperand& operand = node.operands[1];
+  operand.fails = true;
+  if (set == nullptr) return true;
+  const std::type_info& type = typeid(*set);
+  if (type != typeid(BBDOperandSet)) {
+    // Every other operand of the library fails GetValSet.
+    return IsValueOperand(type) || IsAttributeOperand(type);
+  }
+  PairProbe noReader;
+  KORListPtrBBDOperand elements;
+  set->GetValSet(NoOccurrence(), 0, noReader, elements);
+  operand.fails = false;
+  return WithValueType(readType, [&](auto kind) {
+    using Value = decltype(kind);
+    auto members = std::make_unique<TypedMembers<Value>>();
+    for (int position = 1; position <= elements.Size(); ++position) {
+      BBDOperand* element = elements[position];
+      if (element != nullptr && !IsValueOperand(typeid(*element))) return false;
+      Value value{};
+      if (element == nullptr || !ReadOnce(*element, noReader, value)) {
+        node.memberFails = true;
+        break;
+      }
+      members->values.push_back(value);
+    }
+    node.members = std::move(members);
+    return true;
+  });
+}
+
+int BatchProgram::UseColumn(const AttributeTypePair& pair, IDX_Filter_ValueType type) {
+  const BatchColumn* column = nullptr;
+  for (const Binding& binding : bindings_) {
+    if (binding.type == pair.GetType() && binding.attribute == pair.GetAttribute()) {
+      column = &binding.column;
+    }
+  }
+  if (column == nullptr || column->type != type ||
+      (column->length >= 0 && column->length < count_)) {
+    return -1;
+  }
+  for (std::size_t i = 0; i < used_.size(); ++i) {
+    if (used_[i].column == column) return static_cast<int>(i);
+  }
+  UsedColumn used{column, nullptr, nullptr};
+  WithValueType(type, [&](auto kind) {
+    using Value = decltype(kind);
+    used.chunk = std::make_unique<TypedChunk<Value>>();
+    used.read = [](const BatchColumn& c, std::int64_t first, int n, AnyChunk& chunk) {
+      ReadChunk(c, first, n, static_cast<TypedChunk<Value>&>(chunk).chunk);
+    };
+    return true;
+  });
+  used_.push_back(std::move(used));
+  return static_cast<int>(used_.size()) - 1;
+}
+
+const std::uint8_t* BatchProgram::AnswerChunk(std::int64_t first, int n) {
+  for (UsedColumn& used : used_) used.read(*used.column, first, n, *used.chunk);
+  BatchNode& root = nodes_.front();
+  std::memset(root.care, 2, static_cast<std::size_t>(n));
+  Answer(0, root.care, n);
+  return root.codes;
+}
+
+void BatchProgram::Answer(int index, const std::uint8_t* care, int n) {
+  BatchNode& node = nodes_[static_cast<std::size_t>(index)];
+  std::uint8_t* out = node.codes;
+  switch (node.kind) {
+    case BatchNode::Kind::kFixed:
+      std::memset(out, node.fixed, static_cast<std::size_t>(n));
+      return;
+    case BatchNode::Kind::kCompare:
+      node.kernel(node, care, out, n, caseSensitive_);
+      return;
+    case BatchNode::Kind::kNot: {
+      Answer(node.first, care, n);
+      const std::uint8_t* a = nodes_[static_cast<std::size_t>(node.first)].codes;
+      for (int i = 0; i < n; ++i) out[i] = kNotOf[a[i]];
+      return;
+    }
+    default:
+      break;
+  }
+  Answer(node.first, care, n);
+  const std::uint8_t* a = nodes_[static_cast<std::size_t>(node.first)].codes;
+  BatchNode& second = nodes_[static_cast<std::size_t>(node.second)];
+  std::uint8_t* careB = second.care;
+  bool anyCare = false;
+  if (node.kind == BatchNode::Kind::kAnd) {
+    // After an undecidable first side nothing matters; after one that does
+    // not hold only whether the second is undecidable.
+    for (int i = 0; i < n; ++i) {
+      const std::uint8_t c =
+          a[i] == kUndecidable ? 0 : (a[i] == kDoesNot ? (care[i] != 0) : care[i]);
+      careB[i] = c;
+      anyCare |= c != 0;
+    }
+  } else {
+    // After a first side that holds nothing matters; when only
+    // undecidability is asked, the second matters only after an
+    // undecidable first side.
+    for (int i = 0; i < n; ++i) {
+      std::uint8_t c = a[i] == kHolds ? 0 : care[i];
+      if (c == 1 && a[i] != kUndecidable) c = 0;
+      careB[i] = c;
+      anyCare |= c != 0;
+    }
+  }
+  if (anyCare) {
+    Answer(node.second, careB, n);
+  } else {
+    std::memset(second.codes, kDoesNot, static_cast<std::size_t>(n));
+  }
+  const std::uint8_t* b = second.codes;
+  if (node.kind == BatchNode::Kind::kAnd) {
+    for (int i = 0; i < n; ++i) out[i] = std::max(a[i], b[i]);
+  } else {
+    for (int i = 0; i < n; ++i) out[i] = std::min(a[i], b[i]);
+  }
+}
+
+}  // namespace idxbase::detail

@@ -1,0 +1,476 @@
+// The column evaluator against per-record evaluation: random trees over
+// random columns must answer row by row what eval answers through a reader
+// over the same columns; Arrow arrays of every accepted format read as the
+// plain columns do.
+#include "idxbase/filter_batch.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "random_filters.h"
+#include "support/stdout_capture.h"
+
+namespace {
+
+using idxbase_test::Generator;
+using idxbase_test::Type;
+
+constexpr KORStatus H = IDX_FILTER_HOLDS;
+constexpr KORStatus D = IDX_FILTER_DOES_NOT;
+constexpr KORStatus U = IDX_FILTER_UNDECIDABLE;
+constexpr int kTypes = 5;
+
+void SetBit(std::vector<std::uint8_t>& bits, std::int64_t row, bool on) {
+  if (bits.size() <= static_cast<std::size_t>(row >> 3)) bits.resize((row >> 3) + 1, 0);
+  if (on) bits[row >> 3] |= static_cast<std::uint8_t>(1u << (row & 7));
+}
+
+bool GetBit(const std::vector<std::uint8_t>& bits, std::int64_t row) {
+  return ((bits[row >> 3] >> (row & 7)) & 1) != 0;
+}
+
+// One column of each type for each attribute, some rows not available.
+struct Column {
+  std::vector<std::uint8_t> validity;
+  std::vector<std::int32_t> ints;
+  std::vector<float> floats;
+  std::vector<std::uint8_t> bools;  // bitmap
+  std::vector<std::int64_t> seconds;
+  std::vector<std::int32_t> offsets{0};
+  std::string bytes;
+};
+
+struct Columns {
+  std::int64_t rows = 0;
+  Column of[kTypes][idxbase_test::kAttributes];  // by Type, then attribute
+
+  Columns(Generator& g, std::int64_t count) : rows(count) {
+    for (int t = 0; t < kTypes; ++t) {
+      for (Column& c : of[t]) {
+        for (std::int64_t row = 0; row < count; ++row) {
+          SetBit(c.validity, row, !g.Chance(10));
+          c.ints.push_back(g.Int());
+          c.floats.push_back(g.Float());
+          SetBit(c.bools, row, g.Chance(50));
+          c.seconds.push_back(g.Time().ToKORTime().GetEpochSeconds());
+          c.bytes += g.String();
+          c.offsets.push_back(static_cast<std::int32_t>(c.bytes.size()));
+        }
+      }
+    }
+  }
+
+  void BindAll(BBDFilterBatch& batch) const {
+    for (int a = 0; a < idxbase_test::kAttributes; ++a) {
+      auto pair = [a](Type t) { return AttributeTypePair(static_cast<int>(t), a); };
+      const Column* c = nullptr;
+      c = &of[static_cast<int>(Type::kInt)][a];
+      ASSERT_EQ(KOR_S_OK, batch.BindInt(pair(Type::kInt), c->ints.data(), c->validity.data()));
+      c = &of[static_cast<int>(Type::kFloat)][a];
+      ASSERT_EQ(KOR_S_OK,
+                batch.BindFloat(pair(Type::kFloat), c->floats.data(), c->validity.data()));
+      c = &of[static_cast<int>(Type::kBool)][a];
+      ASSERT_EQ(KOR_S_OK, batch.BindBool(pair(Type::kBool), c->bools.data(), c->validity.data()));
+      c = &of[static_cast<int>(Type::kTime)][a];
+      ASSERT_EQ(KOR_S_OK, batch.BindTime(pair(Type::kTime), c->seconds.data(), c->validity.data()));
+      c = &of[static_cast<int>(Type::kString)][a];
+      ASSERT_EQ(KOR_S_OK, batch.BindString(pair(Type::kString), c->offsets.data(), c->bytes.data(),
+                                           c->validity.data()));
+    }
+  }
+};
+
+// Reads row `row` of the columns, as a reader over them would.
+class ColumnReader : public BBDIAttributeRead {
+ public:
+  explicit ColumnReader(const Columns& columns) : columns_(columns) {}
+  std::int64_t row = 0;
+
+  int ReadInt(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
+    const Column* c = At(pair, Type::kInt);
+    if (c != nullptr) value = c->ints[row];
+    return c != nullptr;
+  }
+  int ReadFloat(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
+                float& value) override {
+    const Column* c = At(pair, Type::kFloat);
+    if (c != nullptr) value = c->floats[row];
+    return c != nullptr;
+  }
+  int ReadBool(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
+    const Column* c = At(pair, Type::kBool);
+    if (c != nullptr) value = GetBit(c->bools, row);
+    return c != nullptr;
+  }
+  int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
+               KORTime& value) override {
+    const Column* c = At(pair, Type::kTime);
+    if (c != nullptr) value = KORTime::FromEpochSeconds(c->seconds[row]);
+    return c != nullptr;
+  }
+  int ReadString(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, const char*& value,
+                 int& length) override {
+    const Column* c = At(pair, Type::kString);
+    if (c == nullptr) return 0;
+    value = c->bytes.data() + c->offsets[row];
+    length = c->offsets[row + 1] - c->offsets[row];
+    return 1;
+  }
+  int IsOfType(const BBDOccurrence&, unsigned int, BBDTypeInfo*, int&) override { return 0; }
+  AttributeTypePair ResolvePair(const char*, int, unsigned int) override { return {}; }
+  AttributeTypePair ResolveStringPair(const char*, int, unsigned int) override { return {}; }
+
+ private:
+  // The pair's column when it holds `type` and the row is available.
+  const Column* At(const AttributeTypePair* pair, Type type) const {
+    if (pair->GetType() != static_cast<int>(type)) return nullptr;
+    const Column& c = columns_.of[pair->GetType()][pair->GetAttribute()];
+    return GetBit(c.validity, row) ? &c : nullptr;
+  }
+  const Columns& columns_;
+};
+
+// Whether a model has every part that evaluation needs: an expression
+// missing, or an operator without evaluation, makes eval print a message
+// for every row, and the batch refuses such trees.
+bool Whole(const idxbase_test::Expr& e) {
+  using idxbase_test::ExprModel;
+  if (!e) return false;
+  if (e->kind == ExprModel::kBasic) {
+    return e->op >= 3 && e->op <= 41 && e->op != IDX_Filter_Op_KindOf &&
+           e->op != IDX_Filter_Op_MultiVal;
+  }
+  if (e->op == IDX_Filter_Op_Not) return Whole(e->first);
+  if (e->op == IDX_Filter_Op_Or || e->op == IDX_Filter_Op_And) {
+    return Whole(e->first) && Whole(e->second);
+  }
+  return e->first != nullptr;
+}
+
+struct Tally {
+  int trees = 0;
+  int accepted = 0;
+  std::int64_t rows = 0;
+  std::int64_t answers[3] = {};
+};
+
+// Evaluates `tree` both ways for every row and case setting; false on the
+// first disagreement, which it reports.
+bool AgreesWithEval(BBDExpression* tree, const Columns& columns, bool mustAccept, Tally& tally) {
+  BBDFilterBatch batch(tree);
+  columns.BindAll(batch);
+  ColumnReader reader(columns);
+  idxbase_test::OneLevel occurrence;
+  for (bool caseSensitive : {true, false}) {
+    std::vector<KORStatus> results(static_cast<std::size_t>(columns.rows), 7);
+    if (batch.Evaluate(columns.rows, results.data(), caseSensitive) != KOR_S_OK) {
+      EXPECT_FALSE(mustAccept) << "a whole tree was refused";
+      EXPECT_EQ(7, results.empty() ? 7 : results[0]) << "a refused call wrote answers";
+      return !mustAccept;
+    }
+    ++tally.accepted;
+    std::vector<std::int64_t> selected(static_cast<std::size_t>(columns.rows));
+    std::vector<std::int64_t> holding;
+    for (reader.row = 0; reader.row < columns.rows; ++reader.row) {
+      const KORStatus expected = tree->eval(occurrence, 0, reader, caseSensitive);
+      const KORStatus got = results[static_cast<std::size_t>(reader.row)];
+      if (got != expected) {
+        ADD_FAILURE() << "row " << reader.row << " case " << caseSensitive << ": eval " << expected
+                      << ", batch " << got;
+        return false;
+      }
+      if (expected == H) holding.push_back(reader.row);
+      ++tally.answers[expected == H ? 0 : (expected == D ? 1 : 2)];
+    }
+    tally.rows += columns.rows;
+    selected.resize(
+        static_cast<std::size_t>(batch.Select(columns.rows, selected.data(), caseSensitive)));
+    if (selected != holding) {
+      ADD_FAILURE() << "Select differs from the rows that hold";
+      return false;
+    }
+  }
+  return true;
+}
+
+TEST(FilterBatch, AnswersAsEvalDoesForRandomTreesAndColumns) {
+  Generator generator(20261124);
+  generator.attributesInSets = false;
+  const char* userVariable = nullptr;
+  const idxbase_test::TreeBuilder builder(&userVariable);
+  Tally tally;
+  idxbase_test::StdoutCapture compileWarnings;
+  for (int t = 0; t < 600; ++t) {
+    const idxbase_test::Expr model = generator.Tree(0);
+    if (!model) continue;
+    // Row counts around the chunk size (2,048) now and then.
+    const std::int64_t rows =
+        generator.Chance(5) ? generator.Uniform(2040, 4200) : generator.Uniform(0, 120);
+    const Columns columns(generator, rows);
+    const std::string user = generator.String();
+    userVariable = generator.Chance(15) ? nullptr : user.c_str();
+    std::unique_ptr<BBDExpression> uncompiled(builder.Build(model));
+    BBDExpression* compiled = uncompiled->Duplicate();
+    BBDExpression::Compile(compiled);
+    std::unique_ptr<BBDExpression> compiledOwner(compiled);
+    ++tally.trees;
+    ASSERT_TRUE(AgreesWithEval(uncompiled.get(), columns, Whole(model), tally)) << t;
+    if (compiled != nullptr) {
+      ASSERT_TRUE(AgreesWithEval(compiled, columns, false, tally)) << t;
+    }
+  }
+  compileWarnings.Finish();
+  // Most trees are whole, and every answer is reached.
+  EXPECT_GT(tally.accepted, tally.trees);
+  EXPECT_GT(tally.answers[0], tally.rows / 10);
+  EXPECT_GT(tally.answers[1], tally.rows / 10);
+  EXPECT_GT(tally.answers[2], tally.rows / 10);
+}
+
+// Constants, sets and user strings are read at each call.
+TEST(FilterBatch, SeesAssignmentsAndVariablesBetweenCalls) {
+  const std::int32_t counts[] = {1, 2, 3};
+  auto* bound = new BBDOperandIntConst(2);
+  auto* set = new BBDOperandSet(new BBDOperandIntConst(3));
+  const char* word = "b";
+  BBDExpression* tree = new BBDComposedExpression(
+      IDX_Filter_Op_Or,
+      new BBDBasicExpression(
+          IDX_Filter_Op_LowerInt,
+          new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Int), bound),
+      new BBDComposedExpression(
+          IDX_Filter_Op_And,
+          new BBDBasicExpression(
+              IDX_Filter_Op_InInt,
+              new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Int), set),
+          new BBDBasicExpression(IDX_Filter_Op_EqualString, new BBDOperandStringUser(&word),
+                                 new BBDOperandStringConst(strdup("a")))));
+  std::unique_ptr<BBDExpression> owner(tree);
+  BBDFilterBatch batch(tree);
+  ASSERT_EQ(KOR_S_OK, batch.BindInt(AttributeTypePair(0, 0), counts, nullptr));
+  std::int64_t rows[3];
+  ASSERT_EQ(1, batch.Select(3, rows, true));  // count < 2
+  *bound = BBDOperandIntConst(3);
+  ASSERT_EQ(2, batch.Select(3, rows, true));  // count < 3
+  word = "a";
+  ASSERT_EQ(3, batch.Select(3, rows, true));  // ... or count in {3} and "a" = "a"
+  *set = BBDOperandSet(new BBDOperandIntConst(7));
+  ASSERT_EQ(2, batch.Select(3, rows, true));
+  KORStatus answers[3];
+  word = nullptr;  // the user string gives no value
+  ASSERT_EQ(KOR_S_OK, batch.Evaluate(3, answers, true));
+  EXPECT_EQ(H, answers[0]);
+  EXPECT_EQ(H, answers[1]);
+  EXPECT_EQ(D, answers[2]);  // 3 < 3 does not hold, or ( 3 IN {7} does not hold & U )
+}
+
+TEST(FilterBatch, RefusesWhatItCannotEvaluateAndWritesNothing) {
+  struct Derived : BBDOperandIntConst {
+    using BBDOperandIntConst::BBDOperandIntConst;
+  };
+  const std::int32_t values[] = {1, 2};
+  auto attribute = [] {
+    return new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Int);
+  };
+  struct Row {
+    const char* what;
+    BBDExpression* tree;
+    bool bind;
+  };
+  KORListPtrBBDTypeInfo noTypes;
+  const Row rows[] = {
+      {"unbound pair",
+       new BBDBasicExpression(IDX_Filter_Op_EqualInt, attribute(), new BBDOperandIntConst(1)),
+       false},
+      {"a caller's operand",
+       new BBDBasicExpression(IDX_Filter_Op_EqualInt, attribute(), new Derived(1)), true},
+      {"a multi-type operand",
+       new BBDBasicExpression(
+           IDX_Filter_Op_EqualInt,
+           new BBDOperandMultiType(noTypes, new AttributeTypePair(0, 0), IDX_Filter_Type_Int),
+           new BBDOperandIntConst(1)),
+       true},
+      {"an attribute in a set",
+       new BBDBasicExpression(IDX_Filter_Op_InInt, new BBDOperandIntConst(1),
+                              new BBDOperandSet(attribute())),
+       true},
+      {"an and without second side",
+       new BBDComposedExpression(
+           IDX_Filter_Op_And,
+           new BBDBasicExpression(IDX_Filter_Op_EqualInt, attribute(), new BBDOperandIntConst(1)),
+           nullptr),
+       true},
+      {"an operator without evaluation",
+       new BBDBasicExpression(IDX_Filter_Op_KindOf, attribute(), new BBDOperandIntConst(1)), true},
+  };
+  for (const Row& row : rows) {
+    std::unique_ptr<BBDExpression> owner(row.tree);
+    BBDFilterBatch batch(row.tree);
+    if (row.bind) {
+      ASSERT_EQ(KOR_S_OK, batch.BindInt(AttributeTypePair(0, 0), values, nullptr));
+    }
+    KORStatus answers[2] = {7, 7};
+    std::int64_t selected[2];
+    EXPECT_EQ(KOR_E_FAIL, batch.Evaluate(2, answers, true)) << row.what;
+    EXPECT_EQ(7, answers[0]) << row.what;
+    EXPECT_EQ(-1, batch.Select(2, selected, true)) << row.what;
+  }
+}
+
+// ---------------------------------------------------------------------
+// Arrow arrays, built by hand.
+
+struct ArrowColumn {
+  ArrowSchema schema{};
+  ArrowArray array{};
+  const void* buffers[3] = {};
+
+  ArrowColumn(const ArrowColumn&) = delete;  // the array points into this object
+  ArrowColumn(const char* format, std::int64_t length, std::int64_t offset, const void* validity,
+              const void* values, const void* bytes = nullptr) {
+    schema.format = format;
+    buffers[0] = validity;
+    buffers[1] = values;
+    buffers[2] = bytes;
+    array.length = length;
+    array.offset = offset;
+    array.null_count = validity != nullptr ? -1 : 0;
+    array.n_buffers = bytes != nullptr ? 3 : 2;
+    array.buffers = buffers;
+  }
+};
+
+// Answers of `op` (subject: the Arrow column, read as `type`; value:
+// `constant`) for its rows.
+std::vector<KORStatus> Answers(const ArrowColumn& column, IDX_Filter_Operator op,
+                               IDX_Filter_ValueType type, BBDOperand* constant, std::int64_t rows) {
+  std::unique_ptr<BBDExpression> tree(new BBDBasicExpression(
+      op, new BBDOperandAttribute(new AttributeTypePair(0, 0), type), constant));
+  BBDFilterBatch batch(tree.get());
+  std::vector<KORStatus> answers(static_cast<std::size_t>(rows), 7);
+  if (batch.BindArrow(AttributeTypePair(0, 0), &column.schema, &column.array) != KOR_S_OK ||
+      batch.Evaluate(rows, answers.data(), true) != KOR_S_OK) {
+    return {};
+  }
+  return answers;
+}
+
+TEST(FilterBatch, ReadsArrowColumnsWithOffsetsAndNulls) {
+  // Rows after an offset of 1: the second value is null in each column.
+  const std::uint8_t validity[] = {0b1011};
+  const std::int32_t ints[] = {9, 5, 5, 6};
+  const float floats[] = {9, 5, 5, 6};
+  const double doubles[] = {9, 5.0000001, 5, 6};  // narrows to 5
+  const std::uint8_t bits[] = {0b1010};
+  const std::int32_t offsets[] = {0, 1, 3, 5, 7};
+  const char bytes[] = "xababac";
+  const std::int64_t largeOffsets[] = {0, 1, 3, 5, 7};
+  const std::int64_t day = 19000;  // 2022-01-08
+  const std::int64_t ms[] = {0, (day * 86400 + 3600) * 1000, 0, -1};
+  const std::int32_t days[] = {0, static_cast<std::int32_t>(day), 0, 0};
+  const KORTime midnight = KORTime::FromEpochSeconds(day * 86400);
+  const KORTime beforeEpoch = KORTime::FromEpochSeconds(-1);
+  struct Row {
+    const char* what;
+    ArrowColumn column;
+    IDX_Filter_Operator op;
+    IDX_Filter_ValueType type;
+    BBDOperand* constant;
+    std::vector<KORStatus> expected;
+  };
+  const Row rows[] = {
+      {"i",
+       {"i", 3, 1, validity, ints},
+       IDX_Filter_Op_EqualInt,
+       IDX_Filter_Type_Int,
+       new BBDOperandIntConst(5),
+       {H, U, D}},
+      {"f",
+       {"f", 3, 1, validity, floats},
+       IDX_Filter_Op_EqualFloat,
+       IDX_Filter_Type_Float,
+       new BBDOperandFloatConst(5),
+       {H, U, D}},
+      {"g",
+       {"g", 3, 1, validity, doubles},
+       IDX_Filter_Op_EqualFloat,
+       IDX_Filter_Type_Float,
+       new BBDOperandFloatConst(5),
+       {H, U, D}},
+      {"b",
+       {"b", 3, 1, validity, bits},
+       IDX_Filter_Op_EqualBoolean,
+       IDX_Filter_Type_Boolean,
+       new BBDOperandBooleanConst(true),
+       {H, U, H}},
+      {"u",
+       {"u", 3, 1, validity, offsets, bytes},
+       IDX_Filter_Op_EqualString,
+       IDX_Filter_Type_String,
+       new BBDOperandStringConst(strdup("ab")),
+       {H, U, D}},
+      {"U",
+       {"U", 3, 1, validity, largeOffsets, bytes},
+       IDX_Filter_Op_EqualString,
+       IDX_Filter_Type_String,
+       new BBDOperandStringConst(strdup("ab")),
+       {H, U, D}},
+      {"tsm:",
+       {"tsm:UTC", 3, 1, nullptr, ms},
+       IDX_Filter_Op_LowerTime,
+       IDX_Filter_Type_Time,
+       new BBDOperandTimeConst(midnight),
+       {D, H, H}},
+      // -1 ms falls in the second before 1970, not in its first second.
+      {"tsm: before 1970",
+       {"tsm:", 3, 1, nullptr, ms},
+       IDX_Filter_Op_HigherTime,
+       IDX_Filter_Type_Time,
+       new BBDOperandTimeConst(beforeEpoch),
+       {H, H, D}},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(row.expected, Answers(row.column, row.op, row.type, row.constant, 3)) << row.what;
+  }
+  // A date reads as midnight UTC; one second before is not it.
+  const ArrowColumn dates("tdD", 3, 1, validity, days);
+  std::unique_ptr<BBDExpression> between(new BBDBasicExpression(
+      IDX_Filter_Op_BetweenTime,
+      new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Time),
+      new BBDOperandTimeConst(midnight), new BBDOperandTimeConst(midnight)));
+  BBDFilterBatch batch(between.get());
+  ASSERT_EQ(KOR_S_OK, batch.BindArrow(AttributeTypePair(0, 0), &dates.schema, &dates.array));
+  KORStatus answers[3];
+  ASSERT_EQ(KOR_S_OK, batch.Evaluate(3, answers, true));
+  EXPECT_EQ(H, answers[0]);
+  EXPECT_EQ(U, answers[1]);
+  EXPECT_EQ(D, answers[2]);
+  // More rows than the array holds.
+  EXPECT_EQ(KOR_E_FAIL, batch.Evaluate(4, answers, true));
+}
+
+TEST(FilterBatch, RefusesArrowFormatsItDoesNotRead) {
+  const std::int64_t values[] = {1, 2};
+  const std::uint8_t noneValid[] = {0};
+  BBDFilterBatch batch(nullptr);
+  for (const char* format : {"l", "s", "tdm", "tss", "z", "+l", ""}) {
+    const ArrowColumn column(format, 2, 0, nullptr, values);
+    EXPECT_EQ(KOR_E_FAIL, batch.BindArrow(AttributeTypePair(0, 0), &column.schema, &column.array))
+        << format;
+  }
+  ArrowColumn nullsWithoutBitmap("i", 2, 0, nullptr, values);
+  nullsWithoutBitmap.array.null_count = 1;
+  EXPECT_EQ(KOR_E_FAIL, batch.BindArrow(AttributeTypePair(0, 0), &nullsWithoutBitmap.schema,
+                                        &nullsWithoutBitmap.array));
+  ArrowColumn dictionary("i", 2, 0, noneValid, values);
+  ArrowSchema values32{};
+  dictionary.schema.dictionary = &values32;
+  EXPECT_EQ(KOR_E_FAIL,
+            batch.BindArrow(AttributeTypePair(0, 0), &dictionary.schema, &dictionary.array));
+}
+
+}  // namespace

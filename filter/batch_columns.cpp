@@ -10,13 +10,14 @@ bool Bit(const std::uint8_t* bits, std::int64_t position) {
   return ((bits[position >> 3] >> (position & 7)) & 1) != 0;
 }
 
-void ReadValidity(const BatchColumn& column, std::int64_t first, int n, std::uint8_t* valid) {
-  if (column.validity == nullptr) {
-    std::memset(valid, 1, static_cast<std::size_t>(n));
-    return;
-  }
+// The availability of the rows: every row's without a bitmap, else the
+// bitmap's bits spread into `valid`.
+const std::uint8_t* ReadValidity(const BatchColumn& column, std::int64_t first, int n,
+                                 std::uint8_t* valid) {
+  if (column.validity == nullptr) return AllAvailable();
   const std::int64_t start = column.offset + first;
   for (int i = 0; i < n; ++i) valid[i] = Bit(column.validity, start + i) ? 1 : 0;
+  return valid;
 }
 
 template <class Stored>
@@ -104,57 +105,69 @@ bool LayoutOf(const char* format, BatchColumn& column, int& buffers) {
 
 }  // namespace
 
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<int>& chunk) {
-  ReadValidity(column, first, n, chunk.valid);
-  std::memcpy(chunk.values, ValuesFrom<std::int32_t>(column, first),
-              static_cast<std::size_t>(n) * sizeof(std::int32_t));
+const std::uint8_t* AllAvailable() {
+  static const auto* const kOnes = [] {
+    static std::uint8_t ones[kBatchChunk];
+    std::memset(ones, 1, sizeof ones);
+    return ones;
+  }();
+  return kOnes;
 }
 
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<float>& chunk) {
-  ReadValidity(column, first, n, chunk.valid);
-  if (column.layout == ColumnLayout::kFloat32) {
-    std::memcpy(chunk.values, ValuesFrom<float>(column, first),
-                static_cast<std::size_t>(n) * sizeof(float));
-    return;
-  }
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<int>& scratch) {
+  return {ValuesFrom<std::int32_t>(column, first), ReadValidity(column, first, n, scratch.valid)};
+}
+
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<float>& scratch) {
+  const std::uint8_t* valid = ReadValidity(column, first, n, scratch.valid);
+  if (column.layout == ColumnLayout::kFloat32) return {ValuesFrom<float>(column, first), valid};
   const double* values = ValuesFrom<double>(column, first);
-  for (int i = 0; i < n; ++i) chunk.values[i] = static_cast<float>(values[i]);
+  for (int i = 0; i < n; ++i) scratch.values[i] = static_cast<float>(values[i]);
+  return {scratch.values, valid};
 }
 
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<bool>& chunk) {
-  ReadValidity(column, first, n, chunk.valid);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<bool>& scratch) {
   const auto* bits = static_cast<const std::uint8_t*>(column.values);
   const std::int64_t start = column.offset + first;
-  for (int i = 0; i < n; ++i) chunk.values[i] = Bit(bits, start + i);
+  for (int i = 0; i < n; ++i) scratch.values[i] = Bit(bits, start + i);
+  return {scratch.values, ReadValidity(column, first, n, scratch.valid)};
 }
 
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<std::int64_t>& chunk) {
-  ReadValidity(column, first, n, chunk.valid);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
+                    ChunkOf<std::int64_t>& scratch) {
+  const std::uint8_t* valid = ReadValidity(column, first, n, scratch.valid);
   switch (column.layout) {
     case ColumnLayout::kDate32: {
       const std::int32_t* days = ValuesFrom<std::int32_t>(column, first);
-      for (int i = 0; i < n; ++i) chunk.values[i] = std::int64_t{days[i]} * 86400;
-      return;
+      for (int i = 0; i < n; ++i) scratch.values[i] = std::int64_t{days[i]} * 86400;
+      return {scratch.values, valid};
     }
     case ColumnLayout::kTimestamp: {
       const std::int64_t* ticks = ValuesFrom<std::int64_t>(column, first);
-      for (int i = 0; i < n; ++i) chunk.values[i] = WholeSeconds(ticks[i], column.ticksPerSecond);
-      return;
+      for (int i = 0; i < n; ++i) {
+        scratch.values[i] = WholeSeconds(ticks[i], column.ticksPerSecond);
+      }
+      return {scratch.values, valid};
     }
     default:
-      std::memcpy(chunk.values, ValuesFrom<std::int64_t>(column, first),
-                  static_cast<std::size_t>(n) * sizeof(std::int64_t));
-      return;
+      return {ValuesFrom<std::int64_t>(column, first), valid};
   }
 }
 
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<StringValue>& chunk) {
-  ReadValidity(column, first, n, chunk.valid);
-  if (column.layout == ColumnLayout::kLargeUtf8) {
-    ReadStrings<std::int64_t>(column, first, n, chunk);
-  } else {
-    ReadStrings<std::int32_t>(column, first, n, chunk);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
+                    ChunkOf<StringValue>& scratch) {
+  const std::uint8_t* valid = ReadValidity(column, first, n, scratch.valid);
+  // Rows whose offsets make no string are not available.
+  if (valid != scratch.valid) {
+    std::memcpy(scratch.valid, valid, static_cast<std::size_t>(n));
+    valid = scratch.valid;
   }
+  if (column.layout == ColumnLayout::kLargeUtf8) {
+    ReadStrings<std::int64_t>(column, first, n, scratch);
+  } else {
+    ReadStrings<std::int32_t>(column, first, n, scratch);
+  }
+  return {scratch.values, valid};
 }
 
 bool ArrowColumn(const ArrowSchema& schema, const ArrowArray& array, BatchColumn& column) {

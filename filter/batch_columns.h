@@ -49,12 +49,25 @@ struct ChunkOf {
   std::uint8_t valid[kBatchChunk];
 };
 
-// Reads rows [first, first + n) of `column` into `chunk`; n <= kBatchChunk.
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<int>& chunk);
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<float>& chunk);
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<bool>& chunk);
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<std::int64_t>& chunk);
-void ReadChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<StringValue>& chunk);
+// Where rows [first, first + n) of a column are, as values and
+// availability bytes.
+struct ChunkView {
+  const void* values;
+  const std::uint8_t* valid;
+};
+
+// Rows [first, first + n) of `column` (n <= kBatchChunk): in place when the
+// column stores exactly what comparisons read, else read into `scratch`.
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<int>& scratch);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<float>& scratch);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkOf<bool>& scratch);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
+                    ChunkOf<std::int64_t>& scratch);
+ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
+                    ChunkOf<StringValue>& scratch);
+
+// kBatchChunk availability bytes of 1.
+const std::uint8_t* AllAvailable();
 
 // The column that an Arrow array describes, or false when its format,
 // buffers or length are not usable.

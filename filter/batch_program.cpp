@@ -199,6 +199,7 @@ IDX_Filter_ValueType ReadTypeOf(const OperatorRow& row) {
 // read type, from a column's chunk or a constant repeated; or none at all.
 struct BatchOperand {
   bool fails = false;
+  int column = -1;  // the used column whose chunk it reads, if any
   const void* values = nullptr;
   const std::uint8_t* valid = nullptr;
   std::unique_ptr<AnyChunk> repeated;  // the constant's values
@@ -301,8 +302,10 @@ void DifferentTimeKernel(const BatchNode& node, const std::uint8_t*, std::uint8_
   }
 }
 
-// Strings compare only where the answer matters; elsewhere only whether
-// they are available.
+// Strings compare only where the answer matters: the other rows answer
+// whether they are available (undecidable or, for any code, "does not
+// hold"). The rows to compare are gathered first, so that the loop that
+// compares them does not branch on each row.
 template <class Test>
 void StringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
                   bool caseSensitive, Test test) {
@@ -310,12 +313,17 @@ void StringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t*
   const auto* b = ValuesOf<StringValue>(node.operands[1]);
   const std::uint8_t* va = node.operands[0].valid;
   const std::uint8_t* vb = node.operands[1].valid;
+  std::uint16_t rows[kBatchChunk];
+  int count = 0;
   for (int i = 0; i < n; ++i) {
-    if ((va[i] & vb[i]) == 0) {
-      out[i] = kUndecidable;
-    } else {
-      out[i] = care[i] == 2 && test(caseSensitive, a[i], b[i]) ? kHolds : kDoesNot;
-    }
+    const bool available = (va[i] & vb[i]) != 0;
+    out[i] = available ? kDoesNot : kUndecidable;
+    rows[count] = static_cast<std::uint16_t>(i);
+    count += available && care[i] == 2 ? 1 : 0;
+  }
+  for (int k = 0; k < count; ++k) {
+    const int i = rows[k];
+    if (test(caseSensitive, a[i], b[i])) out[i] = kHolds;
   }
 }
 
@@ -361,38 +369,44 @@ void BetweenKernel<StringValue>(const BatchNode& node, const std::uint8_t* care,
   }
 }
 
-bool Same(bool, int a, int e) { return rules::Equal{}(a, e); }
-bool Same(bool, float a, float e) { return rules::Equal{}(a, e); }
-bool Same(bool caseSensitive, const StringValue& a, const StringValue& e) {
-  return rules::Equal::Order(CompareStrings(caseSensitive, a.length, a.text, e.length, e.text));
-}
-
 // The first element equal to the subject decides; failing that, an element
-// that delivers no value makes the test undecidable.
+// that delivers no value makes the test undecidable. Numbers are tested
+// against every element, element by element over the rows.
 template <class Value>
-void MemberKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
-                  bool caseSensitive) {
+void MemberKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out, int n, bool) {
   const Value* a = ValuesOf<Value>(node.operands[0]);
   const std::uint8_t* va = node.operands[0].valid;
   const std::vector<Value>& members = static_cast<const TypedMembers<Value>&>(*node.members).values;
+  std::uint8_t found[kBatchChunk] = {};
+  for (const Value& member : members) {
+    for (int i = 0; i < n; ++i) found[i] |= rules::Equal{}(a[i], member) ? 1 : 0;
+  }
   const std::uint8_t notFound = node.memberFails ? kUndecidable : kDoesNot;
   for (int i = 0; i < n; ++i) {
-    if (va[i] == 0) {
-      out[i] = kUndecidable;
+    out[i] = va[i] == 0 ? kUndecidable : (found[i] != 0 ? kHolds : notFound);
+  }
+}
+
+template <>
+void MemberKernel<StringValue>(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out,
+                               int n, bool caseSensitive) {
+  const auto* a = ValuesOf<StringValue>(node.operands[0]);
+  const std::uint8_t* va = node.operands[0].valid;
+  const auto& members = static_cast<const TypedMembers<StringValue>&>(*node.members).values;
+  const std::uint8_t notFound = node.memberFails ? kUndecidable : kDoesNot;
+  for (int i = 0; i < n; ++i) {
+    if (va[i] == 0 || care[i] == 0) {
+      out[i] = va[i] == 0 ? kUndecidable : kDoesNot;
       continue;
     }
-    if (care[i] == 0) {
-      out[i] = kDoesNot;
-      continue;
-    }
-    bool found = false;
-    for (const Value& member : members) {
-      if (Same(caseSensitive, a[i], member)) {
-        found = true;
+    out[i] = notFound;
+    for (const StringValue& member : members) {
+      if (rules::Equal::Order(
+              CompareStrings(caseSensitive, a[i].length, a[i].text, member.length, member.text))) {
+        out[i] = kHolds;
         break;
       }
     }
-    out[i] = found ? kHolds : notFound;
   }
 }
 
@@ -499,8 +513,8 @@ struct BatchProgram::Binding {
 // A column that the tree reads, and its current chunk.
 struct BatchProgram::UsedColumn {
   const BatchColumn* column;
-  std::unique_ptr<AnyChunk> chunk;
-  void (*read)(const BatchColumn&, std::int64_t, int, AnyChunk&);
+  std::unique_ptr<AnyChunk> scratch;
+  ChunkView (*view)(const BatchColumn&, std::int64_t, int, AnyChunk&);
 };
 
 BatchProgram::BatchProgram(BBDExpression* root) : root_(root) {}
@@ -601,17 +615,9 @@ bool BatchProgram::AddOperand(BBDOperand* operand, IDX_Filter_ValueType readType
     Probe(*operand, readType, probe);
     if (!probe.asked) return true;  // it reads only its own value type
     if (!probe.hasPair) return false;
-    const int used = UseColumn(probe.noted, readType);
-    if (used < 0) return false;
+    out.column = UseColumn(probe.noted, readType);
     out.fails = false;
-    return WithValueType(readType, [&](auto kind) {
-      using Value = decltype(kind);
-      const ChunkOf<Value>& chunk =
-          static_cast<const TypedChunk<Value>&>(*used_[static_cast<std::size_t>(used)].chunk).chunk;
-      out.values = chunk.values;
-      out.valid = chunk.valid;
-      return true;
-    });
+    return out.column >= 0;
   }
   if (!IsValueOperand(type)) return false;
   return WithValueType(readType, [&](auto kind) {
@@ -679,9 +685,9 @@ int BatchProgram::UseColumn(const AttributeTypePair& pair, IDX_Filter_ValueType 
   UsedColumn used{column, nullptr, nullptr};
   WithValueType(type, [&](auto kind) {
     using Value = decltype(kind);
-    used.chunk = std::make_unique<TypedChunk<Value>>();
-    used.read = [](const BatchColumn& c, std::int64_t first, int n, AnyChunk& chunk) {
-      ReadChunk(c, first, n, static_cast<TypedChunk<Value>&>(chunk).chunk);
+    used.scratch = std::make_unique<TypedChunk<Value>>();
+    used.view = [](const BatchColumn& c, std::int64_t first, int n, AnyChunk& scratch) {
+      return ViewChunk(c, first, n, static_cast<TypedChunk<Value>&>(scratch).chunk);
     };
     return true;
   });
@@ -690,9 +696,17 @@ int BatchProgram::UseColumn(const AttributeTypePair& pair, IDX_Filter_ValueType 
 }
 
 const std::uint8_t* BatchProgram::AnswerChunk(std::int64_t first, int n) {
-  for (UsedColumn& used : used_) used.read(*used.column, first, n, *used.chunk);
+  views_.clear();
+  for (UsedColumn& used : used_) views_.push_back(used.view(*used.column, first, n, *used.scratch));
+  for (BatchNode& node : nodes_) {
+    for (BatchOperand& operand : node.operands) {
+      if (operand.column < 0) continue;
+      operand.values = views_[static_cast<std::size_t>(operand.column)].values;
+      operand.valid = views_[static_cast<std::size_t>(operand.column)].valid;
+    }
+  }
   BatchNode& root = nodes_.front();
-  std::memset(root.care, 2, static_cast<std::size_t>(n));
+  std::fill_n(root.care, n, 2);
   Answer(0, root.care, n);
   return root.codes;
 }
@@ -702,7 +716,7 @@ void BatchProgram::Answer(int index, const std::uint8_t* care, int n) {
   std::uint8_t* out = node.codes;
   switch (node.kind) {
     case BatchNode::Kind::kFixed:
-      std::memset(out, node.fixed, static_cast<std::size_t>(n));
+      std::fill_n(out, n, node.fixed);
       return;
     case BatchNode::Kind::kCompare:
       node.kernel(node, care, out, n, caseSensitive_);
@@ -720,31 +734,24 @@ void BatchProgram::Answer(int index, const std::uint8_t* care, int n) {
   const std::uint8_t* a = nodes_[static_cast<std::size_t>(node.first)].codes;
   BatchNode& second = nodes_[static_cast<std::size_t>(node.second)];
   std::uint8_t* careB = second.care;
-  bool anyCare = false;
-  if (node.kind == BatchNode::Kind::kAnd) {
-    // After an undecidable first side nothing matters; after one that does
-    // not hold only whether the second is undecidable.
-    for (int i = 0; i < n; ++i) {
-      const std::uint8_t c =
-          a[i] == kUndecidable ? 0 : (a[i] == kDoesNot ? (care[i] != 0) : care[i]);
-      careB[i] = c;
-      anyCare |= c != 0;
-    }
-  } else {
-    // After a first side that holds nothing matters; when only
-    // undecidability is asked, the second matters only after an
-    // undecidable first side.
-    for (int i = 0; i < n; ++i) {
-      std::uint8_t c = a[i] == kHolds ? 0 : care[i];
-      if (c == 1 && a[i] != kUndecidable) c = 0;
-      careB[i] = c;
-      anyCare |= c != 0;
-    }
+  // What the second side must tell, by the first side's code (rows) and
+  // what this node must tell (columns: nothing, only undecidability, all).
+  // And: after an undecidable first side nothing matters, after one that
+  // does not hold only whether the second is undecidable. Or: after a
+  // first side that holds nothing matters; when only undecidability is
+  // asked, the second matters only after an undecidable first side.
+  static constexpr std::uint8_t kAndCare[3][3] = {{0, 1, 2}, {0, 1, 1}, {0, 0, 0}};
+  static constexpr std::uint8_t kOrCare[3][3] = {{0, 0, 0}, {0, 0, 2}, {0, 1, 2}};
+  const auto& table = node.kind == BatchNode::Kind::kAnd ? kAndCare : kOrCare;
+  std::uint8_t anyCare = 0;
+  for (int i = 0; i < n; ++i) {
+    careB[i] = table[a[i]][care[i]];
+    anyCare |= careB[i];
   }
-  if (anyCare) {
+  if (anyCare != 0) {
     Answer(node.second, careB, n);
   } else {
-    std::memset(second.codes, kDoesNot, static_cast<std::size_t>(n));
+    std::fill_n(second.codes, n, kDoesNot);
   }
   const std::uint8_t* b = second.codes;
   if (node.kind == BatchNode::Kind::kAnd) {

@@ -58,6 +58,7 @@ class BatchProgram {
   // Rebuilt by Prepare; their storage is kept between calls.
   std::vector<BatchNode> nodes_;
   std::vector<UsedColumn> used_;
+  std::vector<ChunkView> views_;  // the used columns' current chunk
 };
 
 }  // namespace idxbase::detail

@@ -212,6 +212,8 @@ struct BatchNode {
 
   Kind kind = Kind::kFixed;
   std::uint8_t fixed = kUndecidable;
+  // A rough cost per row: string comparisons are the dear ones.
+  int cost = 0;
   int first = -1;
   int second = -1;
   Kernel kernel = nullptr;
@@ -262,19 +264,23 @@ bool DecideRange(Rule rule, std::int64_t a, std::int64_t lo, std::int64_t hi) {
               KORTime::FromEpochSeconds(hi));
 }
 
-template <class Value, class Rule>
+// kFixed: the operands after the subject are values read for the call,
+// the same for every row (the usual "attribute op constant").
+template <class Value, class Rule, bool kFixed>
 void CompareKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out, int n, bool) {
   const Value* a = ValuesOf<Value>(node.operands[0]);
   const Value* b = ValuesOf<Value>(node.operands[1]);
   const std::uint8_t* va = node.operands[0].valid;
   const std::uint8_t* vb = node.operands[1].valid;
+  const Value fixed = b[0];
   for (int i = 0; i < n; ++i) {
-    const std::uint8_t decided = Decide(Rule{}, a[i], b[i]) ? kHolds : kDoesNot;
-    out[i] = (va[i] & vb[i]) != 0 ? decided : kUndecidable;
+    const bool holds = Decide(Rule{}, a[i], kFixed ? fixed : b[i]);
+    const bool available = kFixed ? va[i] != 0 : (va[i] & vb[i]) != 0;
+    out[i] = available ? (holds ? kHolds : kDoesNot) : kUndecidable;
   }
 }
 
-template <class Value>
+template <class Value, bool kFixed>
 void BetweenKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out, int n, bool) {
   const Value* a = ValuesOf<Value>(node.operands[0]);
   const Value* lo = ValuesOf<Value>(node.operands[1]);
@@ -282,10 +288,13 @@ void BetweenKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out
   const std::uint8_t* va = node.operands[0].valid;
   const std::uint8_t* vlo = node.operands[1].valid;
   const std::uint8_t* vhi = node.operands[2].valid;
+  const Value low = lo[0];
+  const Value high = hi[0];
   for (int i = 0; i < n; ++i) {
-    const std::uint8_t decided =
-        DecideRange(rules::Between{}, a[i], lo[i], hi[i]) ? kHolds : kDoesNot;
-    out[i] = (va[i] & vlo[i] & vhi[i]) != 0 ? decided : kUndecidable;
+    const bool holds =
+        DecideRange(rules::Between{}, a[i], kFixed ? low : lo[i], kFixed ? high : hi[i]);
+    const bool available = kFixed ? va[i] != 0 : (va[i] & vlo[i] & vhi[i]) != 0;
+    out[i] = available ? (holds ? kHolds : kDoesNot) : kUndecidable;
   }
 }
 
@@ -345,9 +354,8 @@ void LikeKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* o
       });
 }
 
-template <>
-void BetweenKernel<StringValue>(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out,
-                                int n, bool caseSensitive) {
+void BetweenStringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
+                         bool caseSensitive) {
   const auto* a = ValuesOf<StringValue>(node.operands[0]);
   const auto* lo = ValuesOf<StringValue>(node.operands[1]);
   const auto* hi = ValuesOf<StringValue>(node.operands[2]);
@@ -378,8 +386,16 @@ void MemberKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out,
   const std::uint8_t* va = node.operands[0].valid;
   const std::vector<Value>& members = static_cast<const TypedMembers<Value>&>(*node.members).values;
   std::uint8_t found[kBatchChunk] = {};
-  for (const Value& member : members) {
-    for (int i = 0; i < n; ++i) found[i] |= rules::Equal{}(a[i], member) ? 1 : 0;
+  // Four elements a pass; a short group repeats its first element, which
+  // changes nothing.
+  for (std::size_t k = 0; k < members.size(); k += 4) {
+    Value m[4];
+    for (std::size_t j = 0; j < 4; ++j) m[j] = members[k + j < members.size() ? k + j : k];
+    for (int i = 0; i < n; ++i) {
+      const rules::Equal same;
+      found[i] |= static_cast<std::uint8_t>(same(a[i], m[0]) | same(a[i], m[1]) | same(a[i], m[2]) |
+                                            same(a[i], m[3]));
+    }
   }
   const std::uint8_t notFound = node.memberFails ? kUndecidable : kDoesNot;
   for (int i = 0; i < n; ++i) {
@@ -410,27 +426,32 @@ void MemberKernel<StringValue>(const BatchNode& node, const std::uint8_t* care, 
   }
 }
 
+template <class Value, class Rule>
+BatchNode::Kernel Compare(bool fixed) {
+  return fixed ? &CompareKernel<Value, Rule, true> : &CompareKernel<Value, Rule, false>;
+}
+
 template <class Value>
-BatchNode::Kernel OrderKernel(OperatorKind kind) {
+BatchNode::Kernel OrderKernel(OperatorKind kind, bool fixed) {
   switch (kind) {
     case OperatorKind::kEqual:
-      return &CompareKernel<Value, rules::Equal>;
+      return Compare<Value, rules::Equal>(fixed);
     case OperatorKind::kDifferent:
       if constexpr (std::is_same_v<Value, std::int64_t>) {
         return &DifferentTimeKernel;
       } else {
-        return &CompareKernel<Value, rules::Different>;
+        return Compare<Value, rules::Different>(fixed);
       }
     case OperatorKind::kLower:
-      return &CompareKernel<Value, rules::Lower>;
+      return Compare<Value, rules::Lower>(fixed);
     case OperatorKind::kLowerEq:
-      return &CompareKernel<Value, rules::LowerEq>;
+      return Compare<Value, rules::LowerEq>(fixed);
     case OperatorKind::kHigher:
-      return &CompareKernel<Value, rules::Higher>;
+      return Compare<Value, rules::Higher>(fixed);
     case OperatorKind::kHigherEq:
-      return &CompareKernel<Value, rules::HigherEq>;
+      return Compare<Value, rules::HigherEq>(fixed);
     case OperatorKind::kBetween:
-      return &BetweenKernel<Value>;
+      return fixed ? &BetweenKernel<Value, true> : &BetweenKernel<Value, false>;
     default:
       return nullptr;
   }
@@ -451,7 +472,7 @@ BatchNode::Kernel StringKernelOf(OperatorKind kind) {
     case OperatorKind::kHigherEq:
       return &CompareStringKernel<rules::HigherEq>;
     case OperatorKind::kBetween:
-      return &BetweenKernel<StringValue>;
+      return &BetweenStringKernel;
     case OperatorKind::kLike:
       return &LikeKernel<true>;
     case OperatorKind::kNotLike:
@@ -463,19 +484,20 @@ BatchNode::Kernel StringKernelOf(OperatorKind kind) {
   }
 }
 
-// The kernel of a comparison of `kind` reading `type`.
-BatchNode::Kernel KernelOf(OperatorKind kind, IDX_Filter_ValueType type) {
+// The kernel of a comparison of `kind` reading `type`; `fixed` when the
+// operands after the subject are the same for every row.
+BatchNode::Kernel KernelOf(OperatorKind kind, IDX_Filter_ValueType type, bool fixed) {
   switch (type) {
     case IDX_Filter_Type_Int:
-      return kind == OperatorKind::kIn ? &MemberKernel<int> : OrderKernel<int>(kind);
+      return kind == OperatorKind::kIn ? &MemberKernel<int> : OrderKernel<int>(kind, fixed);
     case IDX_Filter_Type_Float:
-      return kind == OperatorKind::kIn ? &MemberKernel<float> : OrderKernel<float>(kind);
+      return kind == OperatorKind::kIn ? &MemberKernel<float> : OrderKernel<float>(kind, fixed);
     case IDX_Filter_Type_Boolean:
-      return kind == OperatorKind::kEqual       ? &CompareKernel<bool, rules::Equal>
-             : kind == OperatorKind::kDifferent ? &CompareKernel<bool, rules::Different>
+      return kind == OperatorKind::kEqual       ? Compare<bool, rules::Equal>(fixed)
+             : kind == OperatorKind::kDifferent ? Compare<bool, rules::Different>(fixed)
                                                 : nullptr;
     case IDX_Filter_Type_Time:
-      return OrderKernel<std::int64_t>(kind);
+      return OrderKernel<std::int64_t>(kind, fixed);
     case IDX_Filter_Type_String:
       return StringKernelOf(kind);
     default:
@@ -556,7 +578,7 @@ int BatchProgram::AddExpression(BBDExpression* expression) {
   if (op != IDX_Filter_Op_Not && op != IDX_Filter_Op_Or && op != IDX_Filter_Op_And) {
     return first != nullptr ? index : -1;
   }
-  const int a = AddExpression(first);
+  int a = AddExpression(first);
   if (a < 0) return -1;
   BatchNode::Kind kind = BatchNode::Kind::kNot;
   int b = -1;
@@ -565,10 +587,17 @@ int BatchProgram::AddExpression(BBDExpression* expression) {
     if (b < 0) return -1;
     kind = op == IDX_Filter_Op_Or ? BatchNode::Kind::kOr : BatchNode::Kind::kAnd;
   }
+  // Or and and answer alike whichever side comes first (their tables are
+  // symmetric), so the cheaper side goes first and spares the other the
+  // rows that it decides.
+  const int costA = nodes_[static_cast<std::size_t>(a)].cost;
+  const int costB = b >= 0 ? nodes_[static_cast<std::size_t>(b)].cost : 0;
+  if (b >= 0 && costB < costA) std::swap(a, b);
   BatchNode& node = nodes_[static_cast<std::size_t>(index)];
   node.kind = kind;
   node.first = a;
   node.second = b;
+  node.cost = costA + costB;
   return index;
 }
 
@@ -582,8 +611,6 @@ int BatchProgram::AddComparison(BBDBasicExpression& expression) {
   if (op == IDX_Filter_Op_Unsupported) return index;
   BatchNode& node = nodes_[static_cast<std::size_t>(index)];
   const IDX_Filter_ValueType type = ReadTypeOf(row);
-  node.kernel = KernelOf(row.kind, type);
-  if (node.kernel == nullptr) return -1;
   const int count = row.kind == OperatorKind::kBetween ? 3 : 2;
   bool ok = AddOperand(TreeAccess::OperandOf(expression, 0), type, node.operands[0]);
   if (row.kind == OperatorKind::kIn) {
@@ -595,7 +622,14 @@ int BatchProgram::AddComparison(BBDBasicExpression& expression) {
   }
   if (!ok) return -1;
   bool fails = false;
-  for (int p = 0; p < count; ++p) fails = fails || node.operands[p].fails;
+  bool fixed = true;
+  for (int p = 0; p < count; ++p) {
+    fails = fails || node.operands[p].fails;
+    fixed = fixed && (p == 0 || node.operands[p].column < 0);
+  }
+  node.kernel = KernelOf(row.kind, type, fixed);
+  if (node.kernel == nullptr) return -1;
+  node.cost = type == IDX_Filter_Type_String ? 8 : 1;
   if (fails) {
     node.kind = BatchNode::Kind::kFixed;
     node.fixed = op == IDX_Filter_Op_DifferentTime ? kHolds : kUndecidable;
@@ -734,19 +768,24 @@ void BatchProgram::Answer(int index, const std::uint8_t* care, int n) {
   const std::uint8_t* a = nodes_[static_cast<std::size_t>(node.first)].codes;
   BatchNode& second = nodes_[static_cast<std::size_t>(node.second)];
   std::uint8_t* careB = second.care;
-  // What the second side must tell, by the first side's code (rows) and
-  // what this node must tell (columns: nothing, only undecidability, all).
-  // And: after an undecidable first side nothing matters, after one that
-  // does not hold only whether the second is undecidable. Or: after a
-  // first side that holds nothing matters; when only undecidability is
-  // asked, the second matters only after an undecidable first side.
-  static constexpr std::uint8_t kAndCare[3][3] = {{0, 1, 2}, {0, 1, 1}, {0, 0, 0}};
-  static constexpr std::uint8_t kOrCare[3][3] = {{0, 0, 0}, {0, 0, 2}, {0, 1, 2}};
-  const auto& table = node.kind == BatchNode::Kind::kAnd ? kAndCare : kOrCare;
+  // What the second side must tell, in arithmetic that vectorises. And:
+  // after an undecidable first side nothing, after one that does not hold
+  // only whether the second is undecidable: min(care, 2 - a). Or: after a
+  // first side that holds nothing; after one that does not hold all, or
+  // nothing when only undecidability is asked; after an undecidable one
+  // what is asked: care & {0, 2, 3}[a].
   std::uint8_t anyCare = 0;
-  for (int i = 0; i < n; ++i) {
-    careB[i] = table[a[i]][care[i]];
-    anyCare |= careB[i];
+  if (node.kind == BatchNode::Kind::kAnd) {
+    for (int i = 0; i < n; ++i) {
+      const std::uint8_t limit = static_cast<std::uint8_t>(2 - a[i]);
+      careB[i] = care[i] < limit ? care[i] : limit;
+      anyCare |= careB[i];
+    }
+  } else {
+    for (int i = 0; i < n; ++i) {
+      careB[i] = care[i] & static_cast<std::uint8_t>((a[i] << 1) - (a[i] >> 1));
+      anyCare |= careB[i];
+    }
   }
   if (anyCare != 0) {
     Answer(node.second, careB, n);

@@ -27,6 +27,17 @@ bool FoldedEqual(const char* s, const char* p, int length) {
   return true;
 }
 
+// Below this many bytes a plain loop beats a call of memcmp.
+constexpr int kShortCompare = 16;
+
+bool SameBytes(const char* a, const char* b, int length) {
+  if (length >= kShortCompare) return std::memcmp(a, b, static_cast<size_t>(length)) == 0;
+  for (int k = 0; k < length; ++k) {
+    if (a[k] != b[k]) return false;
+  }
+  return true;
+}
+
 // Below this many candidate positions a plain loop beats a call of memchr.
 constexpr int kShortScan = 32;
 
@@ -50,9 +61,7 @@ int FindExact(const char* s, int from, int lengthS, const char* segment, int len
   for (const char* cursor = s + from; cursor < last; ++cursor) {
     cursor = FindByte(cursor, last, segment[0]);
     if (cursor == nullptr) return -1;
-    if (std::memcmp(cursor + 1, segment + 1, static_cast<size_t>(length - 1)) == 0) {
-      return static_cast<int>(cursor - s);
-    }
+    if (SameBytes(cursor + 1, segment + 1, length - 1)) return static_cast<int>(cursor - s);
   }
   return -1;
 }

@@ -385,22 +385,26 @@ void MemberKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out,
   const Value* a = ValuesOf<Value>(node.operands[0]);
   const std::uint8_t* va = node.operands[0].valid;
   const std::vector<Value>& members = static_cast<const TypedMembers<Value>&>(*node.members).values;
-  std::uint8_t found[kBatchChunk] = {};
-  // Four elements a pass; a short group repeats its first element, which
-  // changes nothing.
-  for (std::size_t k = 0; k < members.size(); k += 4) {
-    Value m[4];
-    for (std::size_t j = 0; j < 4; ++j) m[j] = members[k + j < members.size() ? k + j : k];
-    for (int i = 0; i < n; ++i) {
-      const rules::Equal same;
-      found[i] |= static_cast<std::uint8_t>(same(a[i], m[0]) | same(a[i], m[1]) | same(a[i], m[2]) |
-                                            same(a[i], m[3]));
-    }
-  }
   const std::uint8_t notFound = node.memberFails ? kUndecidable : kDoesNot;
-  for (int i = 0; i < n; ++i) {
-    out[i] = va[i] == 0 ? kUndecidable : (found[i] != 0 ? kHolds : notFound);
-  }
+  // Four elements a pass, the last pass answering; a short group repeats
+  // its first element, which changes nothing. No element: nothing found.
+  std::uint8_t found[kBatchChunk];
+  std::fill_n(found, n, std::uint8_t{0});
+  std::size_t k = 0;
+  do {
+    Value m[4] = {};
+    const bool any = k < members.size();
+    for (std::size_t j = 0; j < 4 && any; ++j) m[j] = members[k + j < members.size() ? k + j : k];
+    const bool last = k + 4 >= members.size();
+    const rules::Equal same;
+    for (int i = 0; i < n; ++i) {
+      const bool hit =
+          any && (same(a[i], m[0]) | same(a[i], m[1]) | same(a[i], m[2]) | same(a[i], m[3]));
+      found[i] |= static_cast<std::uint8_t>(hit);
+      if (last) out[i] = va[i] == 0 ? kUndecidable : (found[i] != 0 ? kHolds : notFound);
+    }
+    k += 4;
+  } while (k < members.size());
 }
 
 template <>

@@ -9,27 +9,40 @@ namespace {
 
 using Record = idxbase::detail::SharedRecord<IDX_Base_BufferRep>;
 
-// A record that only this handle uses and whose bytes, if any, it owns:
-// bytes that it referred to are forgotten, never written or released.
-IDX_Base_BufferRep& PrivateOwned(IDX_Base_BufferRep*& rep) {
+// Gives the handle a record of its own that owns its bytes, and lets
+// `write` fill it. Bytes that the record referred to are forgotten, never
+// written or released; storage that it held under them is released once
+// `write` has run, since the write may read from it.
+template <typename Write>
+void WriteOwned(IDX_Base_BufferRep*& rep, const Write& write) {
   IDX_Base_BufferRep& own = Record::Detach(rep);
+  unsigned char* held = nullptr;
   if (own.ownsData != 1) {
+    held = own.held;
     own.data = nullptr;
     own.capacity = 0;
     own.ownsData = 1;
+    own.held = nullptr;
+    own.heldCapacity = 0;
   }
-  return own;
+  write(own);
+  std::free(held);
 }
 
-// Switches a private, owned record to the caller's bytes and releases its
-// old storage. Bytes inside that storage cannot outlive it: they are moved
-// to its front instead and stay owned.
+// Switches a private record to the caller's bytes. The storage that the
+// record owns, or holds under the bytes it referred to so far, is kept
+// while the new bytes lie inside it (releasing it would release them) and
+// released otherwise.
 void Refer(IDX_Base_BufferRep& rep, const unsigned char* data, unsigned int size) {
-  if (idxbase::detail::LiesWithin(data, size, rep.data, rep.capacity)) {
-    Record::Fill(rep, data, size);
-    return;
+  if (rep.ownsData == 1) {
+    rep.held = rep.data;
+    rep.heldCapacity = rep.capacity;
   }
-  std::free(rep.data);
+  if (!idxbase::detail::LiesWithin(data, size, rep.held, rep.heldCapacity)) {
+    std::free(rep.held);
+    rep.held = nullptr;
+    rep.heldCapacity = 0;
+  }
   rep.data = const_cast<unsigned char*>(data);
   rep.capacity = 0;
   rep.size = size;
@@ -49,11 +62,10 @@ IDX_Base_Buffer::~IDX_Base_Buffer() { Record::Release(rep_); }
 
 void IDX_Base_Buffer::SetData(const unsigned char* data, unsigned int size, IDX_Bool copy) {
   if (rep_ != nullptr && rep_->data == data && rep_->size == size) return;
-  IDX_Base_BufferRep& own = PrivateOwned(rep_);
   if (copy == IDX_True) {
-    Record::Fill(own, data, size);
+    WriteOwned(rep_, [&](IDX_Base_BufferRep& own) { Record::Fill(own, data, size); });
   } else {
-    Refer(own, data, size);
+    Refer(Record::Detach(rep_), data, size);
   }
 }
 
@@ -85,7 +97,9 @@ void IDX_Base_Buffer::Resize(unsigned int size) {
 
 void IDX_Base_Buffer::FreeImpl() { Record::Release(rep_); }
 
-void IDX_Base_Buffer::Allocate(unsigned int size) { Record::FillZero(PrivateOwned(rep_), size); }
+void IDX_Base_Buffer::Allocate(unsigned int size) {
+  WriteOwned(rep_, [size](IDX_Base_BufferRep& own) { Record::FillZero(own, size); });
+}
 
 void IDX_Base_Buffer::MakeUnique() {
   if (rep_ != nullptr && (rep_->refCount != 1 || rep_->ownsData != 1)) Resize(rep_->size);

@@ -18,13 +18,15 @@
 
 namespace idxbase::detail {
 
-// Whether a record releases its bytes with itself: always, except a buffer
-// record that refers to the caller's bytes.
+// Releases the storage a record owns: its bytes, or for a buffer record
+// that refers to other bytes the storage it holds under them, if any.
 template <typename Rep>
-bool OwnsStorage(const Rep&) {
-  return true;
+void ReleaseStorage(Rep& rep) {
+  std::free(rep.data);
 }
-inline bool OwnsStorage(const IDX_Base_BufferRep& rep) { return rep.ownsData == 1; }
+inline void ReleaseStorage(IDX_Base_BufferRep& rep) {
+  std::free(rep.ownsData == 1 ? rep.data : rep.held);
+}
 
 // True when the `count` bytes at `bytes` lie inside the `capacity` bytes at
 // `storage`.
@@ -56,7 +58,7 @@ class SharedRecord {
   static void Release(Rep*& rep) {
     if (rep == nullptr) return;
     if (--rep->refCount == 0) {
-      if (OwnsStorage(*rep)) std::free(rep->data);
+      ReleaseStorage(*rep);
       delete rep;
     }
     rep = nullptr;

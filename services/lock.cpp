@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include "idxbase/kor_system.h"
-#include "idxbase/settings.h"
 #include "services/lock_files.h"
 
 namespace {
@@ -47,11 +46,15 @@ BBDLock& BBDLock::operator=(const BBDLock& other) {
 BBDLock::~BBDLock() { Unlock(); }
 
 KORStatus BBDLock::Lock(const KORUnicodeString& directory, int owner) {
-  if (IsRunning()) Unlock();
+  // A lock this object holds on `directory` is a living lock like any
+  // other, so it stays as it is.
   if (IsLocked(directory, -1, false)) return KOR_S_FALSE;
+  if (IsRunning()) Unlock();
   // The directory may exist already: the result does not matter.
   static_cast<void>(_KORCreateDirectory(idxbase::detail::LockDirectoryOf(directory)));
-  m_Directory = directory;
+  // The current directory is kept as ".", the same place, so that an empty
+  // directory still tells Unlock that the object never locked.
+  m_Directory = directory.GetLengthInChar() == 0 ? KORUnicodeString(".") : directory;
   m_Owner = owner;
   m_Counter = 0;
   if (WriteLFile(0) != KOR_S_OK) return KOR_E_FAIL;
@@ -102,17 +105,18 @@ KORStatus BBDLock::DeleteLFile(int n) {
 
 void BBDLock::GetFullPath(const KORSysTSUnicodeString& directory, int owner, int n,
                           KORSysTSUnicodeString& result) {
-  KORSysTSUnicodeString number;
-  result = directory;
-  result.Append(IDX_Base_Constants::PATH_SEPARATOR_STR);
-  result.Append(idxbase::detail::kLockDirName);
-  result.Append(IDX_Base_Constants::PATH_SEPARATOR_STR);
-  result.Append(idxbase::detail::kLockFilePrefix);
+  KORUnicodeString name(idxbase::detail::kLockFilePrefix);
+  KORUnicodeString number;
   number.BuildFromNum(owner, "%d");
-  result.Append(number);
-  result.Append(".");
+  name.Append(number);
+  name.Append(".");
   number.BuildFromNum(n, "%d");
-  result.Append(number);
+  name.Append(number);
+  // Joined like the lock directory itself, so that both name one place
+  // for every spelling of `directory`.
+  KORUnicodeString path = idxbase::detail::LockDirectoryOf(directory.ToUnicodeString());
+  KORMakePath(path, name);
+  result = path;
 }
 
 void BBDLock::DeleteSequenceFiles() {

@@ -11,7 +11,9 @@ namespace idxbase::detail {
 inline constexpr char kLockDirName[] = "lock";
 inline constexpr char kLockFilePrefix[] = "lock.";
 
-// `directory` joined with the lock subdirectory name.
+// `directory` joined with the lock subdirectory name by KORMakePath, the
+// one join of the lock code: lock-file paths are joined under its result
+// the same way.
 KORUnicodeString LockDirectoryOf(const KORUnicodeString& directory);
 
 // The number `step` places after `counter` in a sequence, wrapping around

@@ -82,15 +82,19 @@ void IDX_Base_Trace::Dump_Impl(KORUnicodeString base, KORUnicodeString suffix, c
   CloseFlushed(out);
 }
 
+// The message is written as bytes, as Debug writes it: a cut inside a
+// multi-byte character, or text that is not UTF-8, reaches the output
+// unchanged instead of being rewritten by a Unicode string.
 void IDX_Base_Trace::Info(const char* format, ...) {
-  KORUnicodeString line = TimeStamp();
+  const KORUnicodeString stamp = TimeStamp();
   char message[kInfoBufferSize];
   va_list args;
   va_start(args, format);
   std::vsnprintf(message, sizeof message, format, args);
   va_end(args);
-  line += message;
-  std::printf("%s\n", line.ConvertToChar());
+  std::fputs(stamp.ConvertToChar(), stdout);
+  std::fputs(message, stdout);
+  std::fputs(kLineEnd, stdout);
   std::fflush(stdout);
 }
 

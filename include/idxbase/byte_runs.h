@@ -9,13 +9,20 @@
 #include "idxbase/base_types.h"
 #include "idxbase/export.h"
 
-// Storage record of IDX_Base_Buffer. A new record is {null, 0, 0, 1, 1}.
+// Storage record of IDX_Base_Buffer. A new record is {null, 0, 0, 1, 1}
+// and holds no storage.
 struct IDX_Base_BufferRep {
   unsigned char* data = nullptr;  // first byte, or null
   std::uint32_t capacity = 0;     // bytes allocated when owned; 0 for caller bytes
   std::uint32_t size = 0;         // valid bytes
   std::uint32_t refCount = 1;     // handles sharing the record
   std::int32_t ownsData = 1;      // 1: `data` is released with the record
+  // Only while `ownsData` is 0: the storage that the record owned before it
+  // was switched to referred bytes lying inside it, kept so that they stay
+  // valid (null otherwise). Released with the record or at the next write
+  // that leaves it.
+  unsigned char* held = nullptr;
+  std::uint32_t heldCapacity = 0;
 };
 
 // Storage record of IDX_Base_ByteArray. A new record is {null, 0, 0, 0, 1}.
@@ -61,11 +68,14 @@ class IDXBASE_API IDX_Base_Buffer {
   // IDX_True, otherwise a reference to the caller's bytes. Nothing happens
   // when the buffer already holds exactly `data` and `size`.
   // Requires: `data` valid for `size` bytes. A copy may come from the
-  // buffer's own storage. Referring to bytes inside the buffer's own
-  // storage (they must lie wholly inside it) moves them to the front of
-  // that storage and keeps them owned, since the storage could not outlive
-  // the switch otherwise; any other switch from owned to referring bytes
-  // releases the old storage.
+  // buffer's own storage. When the buffer refers to bytes, `data` is what
+  // GetData gives and the capacity is 0. Bytes that lie wholly inside the
+  // buffer's own storage are referred to in place: the record keeps that
+  // storage (its `held` field) instead of releasing it, and releases it
+  // when the last handle sharing the record lets go of the record, or when
+  // the handle writes the record again and no longer refers into it (after
+  // a copy has read its bytes). Any other switch to referred bytes releases
+  // the old storage.
   void SetData(const unsigned char* data, unsigned int size, IDX_Bool copy);
   // The first byte, or null for an empty handle.
   const unsigned char* GetData() const;

@@ -54,9 +54,10 @@ struct IDX_MD5_CTX {
 // independent. Init, Update and Final do nothing when `context` is null
 // (Final also when `digest` is null).
 //
-// Decision of this port: the input pointers are const. Under C linkage the
-// symbols and the calling convention are those of the non-const
-// signatures, and every caller of those compiles unchanged.
+// The input pointers are const, since nothing is written through them.
+// Under C linkage the symbols and the calling convention are those of
+// non-const signatures, so callers written against either compile and
+// link alike.
 
 // Starts a digest: the four initial state words of RFC 1321, no bit
 // counted.

@@ -8,8 +8,8 @@
 #include "idxbase/export.h"
 #include "idxbase/kor_string.h"
 
-// Controls access to a repository. Reserved: no controller is consulted in
-// this port; pass null.
+// Controls access to a repository. Reserved: the repository consults no
+// controller, since settings files carry no access rules; pass null.
 class IDXBASE_API KORISysSettingController {
  public:
   virtual ~KORISysSettingController() = default;

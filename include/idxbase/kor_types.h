@@ -1,8 +1,8 @@
 // Status codes and fixed-width types shared by every idxbase interface.
 //
-// A status is a signed 32-bit integer on every platform (the interface was
-// designed where `long` has 32 bits; on LP64 systems we spell it
-// std::int32_t so that the values and their comparisons stay the same):
+// A status is a signed 32-bit integer on every platform, spelt
+// std::int32_t rather than `long` (64 bits on LP64 systems), so that the
+// values and their comparisons are the same everywhere:
 //   KOR_S_OK       0           success
 //   KOR_S_FALSE    1           the condition does not hold / nothing to do /
 //                              another owner holds the lock

@@ -54,15 +54,18 @@
 // lock releases that lock first, so its heartbeat never runs on another
 // object's configuration.
 //
-// Decisions of this port:
-// - Statuses are KORStatus (std::int32_t), the 32-bit `long` of the
-//   interface.
+// Details and their reasons:
+// - Statuses are KORStatus (std::int32_t): a 32-bit status on every
+//   platform, where `long` may have 64 bits.
 // - Files are deleted with _KORDeleteFile on the UTF-8 path: POSIX has no
 //   wide-path deletion.
-// - The lock directory is joined with KORMakePath and lock-file paths with
-//   IDX_Base_Constants::PATH_SEPARATOR_STR ("/" here). Both name the same
-//   place: a directory given with a trailing "/" only doubles a separator,
-//   which POSIX paths ignore.
+// - Every path is joined with KORMakePath: directory + "lock", then the
+//   lock directory + the file name. One join makes the listing of the lock
+//   directory and the files looked up in it the same place for every
+//   spelling of the directory: "" is the current directory ("lock/...";
+//   a lock taken there keeps "." as its directory, since an empty one
+//   means that the object never locked), and a trailing separator adds
+//   none.
 // - The thread base is built as KORThreads(nullptr, nullptr, -1, 0, 0).
 // - A directory entry that begins with "lock." but does not hold two
 //   decimal integers within int's range ("lock.x.y", "lock.5") is not a
@@ -71,7 +74,11 @@
 // - A heartbeat step is never cut by Kill, so the failed-race path of Lock
 //   finds at most the current file; it still deletes the current file and
 //   both neighbours, as Unlock does, so no file of the owner can remain.
-// - Lock on an object that already holds a lock releases that lock first.
+// - Lock on an object that already holds a lock begins, like any Lock,
+//   by asking IsLocked with owner -1, which finds the object's own living
+//   files: the answer is KOR_S_FALSE and the held lock goes on unchanged.
+//   When the object holds a lock on another directory that is free, that
+//   lock is released before the new one is taken.
 // - Unlock (and destruction) of an object that never locked deletes
 //   nothing: it has no directory to name files in.
 class IDXBASE_API BBDLock : public KORThreads {
@@ -84,7 +91,8 @@ class IDXBASE_API BBDLock : public KORThreads {
   ~BBDLock() override;
 
   // Takes the lock on `directory` for `owner`. When any lock file there
-  // belongs to a living process, returns KOR_S_FALSE and creates nothing.
+  // belongs to a living process (this object included), returns
+  // KOR_S_FALSE and creates nothing.
   // Otherwise creates directory/lock if needed, creates the file number 0
   // and starts the heartbeat; if another owner's living lock appeared
   // meanwhile (both took it at once), stops, deletes its files and returns
@@ -114,7 +122,7 @@ class IDXBASE_API BBDLock : public KORThreads {
   // Deletes the lock file number `n` of this owner: KOR_S_OK, or
   // KOR_E_FAIL when it was not deleted.
   KORStatus DeleteLFile(int n);
-  // directory + "/lock/lock.<owner>.<n>".
+  // directory + "/lock/lock.<owner>.<n>", joined with KORMakePath.
   static void GetFullPath(const KORSysTSUnicodeString& directory, int owner, int n,
                           KORSysTSUnicodeString& result);
   // Deletes the files counter, counter + 1 and counter - 1 of a stopped

@@ -158,6 +158,51 @@ TEST_F(BBDLockTest, UnlockDeletesTheCurrentFileAndItsNeighboursOnly) {
   EXPECT_EQ((Names{"lock.7.2", "lock.8.0", "readme"}), Listing());
 }
 
+// Its own living files count as another owner's, so the lock stays as it
+// was and its sequence goes on.
+TEST_F(BBDLockTest, LockingAgainAnswersThatTheLockIsHeld) {
+  BBDLock lock;
+  ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
+  ASSERT_TRUE(WaitUntil([&] { return Listing() == Names{"lock.7.1"}; }, 5s));
+  StdoutCapture capture;
+  EXPECT_EQ(KOR_S_FALSE, lock.Lock(Dir(), 7));
+  EXPECT_EQ(kQuestion + "no\n", capture.Finish());
+  EXPECT_TRUE(lock.IsRunning());
+  const Names files = Listing();
+  EXPECT_TRUE(files == Names{"lock.7.2"} || files == Names{"lock.7.3"}) << files.size();
+}
+
+// The current directory while the object exists.
+class WorkingDirectory {
+ public:
+  explicit WorkingDirectory(const std::string& path) : previous_(std::filesystem::current_path()) {
+    std::filesystem::current_path(path);
+  }
+  ~WorkingDirectory() { std::filesystem::current_path(previous_); }
+  WorkingDirectory(const WorkingDirectory&) = delete;
+  WorkingDirectory& operator=(const WorkingDirectory&) = delete;
+
+ private:
+  std::filesystem::path previous_;
+};
+
+// "" is the current directory, and trailing separators change nothing: the
+// lock files are made, listed and followed in one place.
+TEST_F(BBDLockTest, EverySpellingOfTheDirectoryNamesTheSameLockFiles) {
+  const WorkingDirectory inside(dir_.path());
+  for (const std::string& directory : {std::string(), std::string("./"), dir_.path() + "//"}) {
+    SCOPED_TRACE("directory \"" + directory + "\"");
+    {
+      BBDLock holder;
+      ASSERT_EQ(KOR_S_OK, holder.Lock(directory.c_str(), 7));
+      EXPECT_EQ(Names{"lock.7.0"}, Listing());
+      EXPECT_TRUE(BBDLock::IsLocked(directory.c_str(), 8, true));
+      EXPECT_FALSE(Listing().empty()) << "the living holder's files were deleted";
+    }
+    EXPECT_EQ(Names{}, Listing()) << "the holder's files outlived it";
+  }
+}
+
 TEST_F(BBDLockTest, LockFailsWhenTheFirstFileCannotBeCreated) {
   BBDLock lock;
   EXPECT_EQ(KOR_E_FAIL, lock.Lock(dir_.Join("missing/index").c_str(), 7));

@@ -105,12 +105,18 @@ TEST(Trace, DumpAppendsTheBareTextToBaseDotSuffix) {
   EXPECT_EQ("Error opening file " + dir.Join("missing/trace") + ".log\n", capture.Finish());
 }
 
-TEST(Trace, InfoCutsTheMessageAfter9999Bytes) {
+// The message goes out as bytes: a cut inside a multi-byte character and
+// bytes that are not UTF-8 are written unchanged.
+TEST(Trace, InfoWritesTheMessageBytesCutAfter9999) {
   const std::string longMessage(12000, 'm');
+  const std::string cutCharacter = std::string(9998, 'm') + "\xC3\xA9";
   StdoutCapture capture;
   IDX_Base_Trace::Info("%s", longMessage.c_str());
   IDX_Base_Trace::Info("n=%d", 3);
-  EXPECT_EQ(std::string(9999, 'm') + "\nn=3\n", Unstamped(capture.Finish()));
+  IDX_Base_Trace::Info("%s", cutCharacter.c_str());
+  IDX_Base_Trace::Info("caf\xE9");
+  EXPECT_EQ(std::string(9999, 'm') + "\nn=3\n" + std::string(9998, 'm') + "\xC3\ncaf\xE9\n",
+            Unstamped(capture.Finish()));
 }
 
 // The monitor directory is process state that is never cleared, so the

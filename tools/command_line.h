@@ -25,10 +25,13 @@ struct CommandHelp {
 };
 
 // An option a command accepts: "--owner" with a value ("--owner 5" or
-// "--owner=5"), or a flag such as "--quiet".
+// "--owner=5"), or a flag such as "--quiet". `alias` is an optional short
+// form ("-j"), whose value follows as the next argument or attached
+// ("-j4").
 struct KnownOption {
   const char* name;
   bool takesValue;
+  const char* alias = nullptr;
 };
 
 // A command's arguments, sorted out by ParseArguments.

@@ -45,6 +45,7 @@ TEST(ToolCommandLine, UsageErrorsExitWithTwo) {
       {{"names", "x"}, "idxbase names: takes no operands"},
       {{"checksum"}, "idxbase checksum: no file given"},
       {{"checksum", "--verify", "x"}, "idxbase checksum: unknown option '--verify'"},
+      {{"checksum", "-j", "0", "x"}, "idxbase checksum: -j takes a number of files above 0"},
   };
   for (const auto& c : cases) {
     ChildResult run = RunTool(c.arguments);
@@ -61,15 +62,17 @@ TEST(ToolCommandLine, AboutPrintsTheVersion) {
 
 TEST(ParseArguments, SortsOptionsOperandsAndTheRest) {
   const idxbase_tool::CommandHelp help{"test", "", ""};
-  std::string texts[] = {"a", "--owner=5", "-",  "--quiet", "--owner",
-                         "7", "b",         "--", "--quiet", "c"};
+  std::string texts[] = {"a", "--owner=5", "-",  "-q",      "--owner", "7",
+                         "b", "-j4",       "--", "--quiet", "c"};
   std::vector<char*> argv;
   for (std::string& text : texts) argv.push_back(text.data());
   idxbase_tool::ParsedArguments parsed;
-  ASSERT_TRUE(idxbase_tool::ParseArguments(help, static_cast<int>(argv.size()), argv.data(),
-                                           {{"--owner", true}, {"--quiet", false}}, parsed));
+  ASSERT_TRUE(idxbase_tool::ParseArguments(
+      help, static_cast<int>(argv.size()), argv.data(),
+      {{"--owner", true}, {"--quiet", false, "-q"}, {"--jobs", true, "-j"}}, parsed));
   EXPECT_FALSE(parsed.help);
   EXPECT_STREQ("7", parsed.Value("--owner"));
+  EXPECT_STREQ("4", parsed.Value("--jobs"));
   EXPECT_TRUE(parsed.Has("--quiet"));
   EXPECT_FALSE(parsed.Has("--check"));
   ASSERT_EQ(3u, parsed.operands.size());

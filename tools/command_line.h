@@ -11,10 +11,12 @@
 
 namespace idxbase_tool {
 
-// Exit statuses shared by the commands.
+// Exit statuses shared by the commands ("lock" adds those of the command
+// it runs, see child_command.h).
 constexpr int kExitSuccess = 0;
 constexpr int kExitNegative = 1;  // a negative answer, or a failure
 constexpr int kExitUsage = 2;
+constexpr int kExitLockHeld = 75;  // EX_TEMPFAIL: another owner holds the lock
 
 // A command's description, printed by "--help": "usage: idxbase <name>
 // <synopsis>", then `details` (lines ending in "\n").

@@ -50,6 +50,13 @@ bool IsOption(const char* argument) { return argument[0] == '-' && argument[1] !
 
 }  // namespace
 
+const char kExitStatusHelp[] =
+    "Exit status: 0 success (for checksum --check, every file matches; for\n"
+    "islocked, locked); 1 a negative answer or a failure, with the reason on\n"
+    "standard error; 2 a usage error. lock adds: 75 when another living owner\n"
+    "holds the lock, and else the status of its command: 126 when the command\n"
+    "cannot be run, 127 when it is not found, 128 + n when signal n ended it.\n";
+
 bool ParsedArguments::Has(const char* name) const { return Value(name) != nullptr; }
 
 const char* ParsedArguments::Value(const char* name) const {

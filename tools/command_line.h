@@ -18,6 +18,9 @@ constexpr int kExitNegative = 1;  // a negative answer, or a failure
 constexpr int kExitUsage = 2;
 constexpr int kExitLockHeld = 75;  // EX_TEMPFAIL: another owner holds the lock
 
+// The exit statuses as "idxbase help" lists them.
+extern const char kExitStatusHelp[];
+
 // A command's description, printed by "--help": "usage: idxbase <name>
 // <synopsis>", then `details` (lines ending in "\n").
 struct CommandHelp {

@@ -16,7 +16,8 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-const char* const kCommands[] = {"about", "checksum", "flags", "islocked", "lock", "names"};
+const char* const kCommands[] = {"about", "checksum", "flags",  "islocked",
+                                 "lock",  "names",    "version"};
 
 TEST(ToolCommandLine, HelpForEveryCommand) {
   ChildResult list = RunTool({"help"});
@@ -46,6 +47,7 @@ TEST(ToolCommandLine, UsageErrorsExitWithTwo) {
       {{"checksum"}, "idxbase checksum: no file given"},
       {{"checksum", "--verify", "x"}, "idxbase checksum: unknown option '--verify'"},
       {{"checksum", "-j", "0", "x"}, "idxbase checksum: -j takes a number of files above 0"},
+      {{"version", "x"}, "idxbase version: takes no arguments"},
   };
   for (const auto& c : cases) {
     ChildResult run = RunTool(c.arguments);
@@ -54,10 +56,17 @@ TEST(ToolCommandLine, UsageErrorsExitWithTwo) {
   }
 }
 
-TEST(ToolCommandLine, AboutPrintsTheVersion) {
-  ChildResult run = RunTool({"about"});
-  EXPECT_EQ(0, run.exitCode);
-  EXPECT_THAT(run.output, testing::MatchesRegex("idxbase [0-9]+\\.[0-9]+\\.[0-9]+, built .+\n"));
+TEST(ToolCommandLine, AboutAndVersionPrintTheVersion) {
+  ChildResult about = RunTool({"about"});
+  EXPECT_EQ(0, about.exitCode);
+  EXPECT_THAT(about.output, testing::MatchesRegex("idxbase [0-9]+\\.[0-9]+\\.[0-9]+, built .+\n"));
+  // The tool's version is the library's it runs with.
+  const std::string version = about.output.substr(0, about.output.find(','));
+  for (const char* argument : {"--version", "version"}) {
+    ChildResult run = RunTool({argument});
+    EXPECT_EQ(0, run.exitCode) << argument;
+    EXPECT_EQ(version + "\n", run.output) << argument;
+  }
 }
 
 TEST(ParseArguments, SortsOptionsOperandsAndTheRest) {

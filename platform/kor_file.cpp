@@ -138,7 +138,10 @@ int FileReplacement::Open(const char* path) {
     return errno;
   }
   if (const int error = CreateTemporary(target_, mode, file_, temporary_); error != 0) {
-    return error;
+    if (!existing.valid() || (error != EACCES && error != EPERM)) return error;
+    file_ = std::move(existing);
+    cutAtCommit_ = true;
+    return 0;
   }
   // The umask narrowed a new file's mode; a replaced file keeps its own.
   if (existing.valid() && fchmod(file_.get(), static_cast<mode_t>(mode)) != 0) {
@@ -150,10 +153,17 @@ int FileReplacement::Open(const char* path) {
 }
 
 int FileReplacement::Write(const void* data, std::size_t size) {
-  return WriteAll(file_.get(), data, size);
+  const int error = WriteAll(file_.get(), data, size);
+  if (error == 0) written_ += static_cast<long long>(size);
+  return error;
 }
 
 int FileReplacement::Commit() {
+  if (cutAtCommit_ && ftruncate(file_.get(), static_cast<off_t>(written_)) != 0) {
+    const int error = errno;
+    Discard();
+    return error;
+  }
   if (temporary_.empty()) return file_.Close();
   int error = fsync(file_.get()) == 0 ? 0 : errno;
   if (const int closeError = file_.Close(); error == 0) error = closeError;
@@ -168,6 +178,8 @@ int FileReplacement::Commit() {
 
 void FileReplacement::Discard() {
   static_cast<void>(file_.Close());
+  cutAtCommit_ = false;
+  written_ = 0;
   if (!temporary_.empty()) unlink(temporary_.c_str());
   temporary_.clear();
 }

@@ -47,7 +47,11 @@ class Descriptor {
 // the new one is complete: the bytes go to a new file in the same
 // directory, which is flushed to the disk and renamed over the old one.
 // A run that is killed or fails halfway leaves the old file as it was (and
-// at worst a hidden ".<name>.<n>.tmp" beside it).
+// at worst a hidden ".<name>.<n>.tmp" beside it). Where no file can be
+// created beside it (a directory without write permission) but the old
+// file itself may be written, it is overwritten in place and cut to the
+// new length at Commit: the old content is then at risk only while the
+// new bytes are written.
 //
 // The replacement happens where the name resolves: a symbolic link is
 // followed to its final target, and the new file is made beside that
@@ -84,6 +88,8 @@ class FileReplacement {
   Descriptor file_;
   std::string temporary_;  // empty when writing in place
   std::string target_;
+  bool cutAtCommit_ = false;  // a regular file written in place
+  long long written_ = 0;
 };
 
 }  // namespace idxbase::detail

@@ -24,8 +24,9 @@ class IDXBASE_API IDX_Checksum {
   // The new checksum file is written beside the old one and renamed over
   // it once complete, so a run that is killed or cannot write leaves the
   // old checksum whole. A checksum file that is a symbolic link is replaced
-  // where the link leads; one that is not a regular file (a device) is
-  // written in place.
+  // where the link leads; one that is not a regular file (a device), or
+  // that sits in a directory where no file can be created, is written in
+  // place.
   //
   // KOR_S_OK on success, also when a read error ends the reading early:
   // the digest of the bytes read so far is written. KOR_E_FAIL, with

@@ -3,6 +3,7 @@
 #include "command_line.h"
 #include "commands.h"
 #include "idxbase/idxbase.h"
+#include "idxbase_build_info.h"
 
 namespace idxbase_tool {
 namespace {
@@ -11,7 +12,23 @@ constexpr CommandHelp kHelp{"about", "",
                             "Prints the library's version and the date and time of its "
                             "build.\n"};
 
+constexpr CommandHelp kVersionHelp{"version", "",
+                                   "Prints \"idxbase\" and the version of the tool, as\n"
+                                   "\"idxbase --version\" does.\n"};
+
 }  // namespace
+
+int VersionCommand(int argc, char** argv) {
+  ParsedArguments arguments;
+  if (!ParseArguments(kVersionHelp, argc, argv, {}, arguments)) return kExitUsage;
+  if (arguments.help) return PrintHelp(kVersionHelp);
+  if (!arguments.operands.empty() || arguments.sawSeparator) {
+    return UsageError(kVersionHelp, "takes no arguments");
+  }
+  std::printf("idxbase %d.%d.%d\n", IDXBASE_VERSION_MAJOR, IDXBASE_VERSION_MINOR,
+              IDXBASE_VERSION_PATCH);
+  return kExitSuccess;
+}
 
 int AboutCommand(int argc, char** argv) {
   ParsedArguments arguments;

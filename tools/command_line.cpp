@@ -25,9 +25,20 @@ __attribute__((format(printf, 2, 0))) void WriteMessage(const char* command, con
 
 const KnownOption* FindOption(std::initializer_list<KnownOption> known, std::string_view name) {
   for (const KnownOption& option : known) {
-    if (name == option.name) return &option;
+    if (name == option.name || (option.alias != nullptr && name == option.alias)) return &option;
   }
   return nullptr;
+}
+
+// A short option with its value attached ("-j4"): the option, with `value`
+// set; null for anything else.
+const KnownOption* FindAttached(std::initializer_list<KnownOption> known, std::string_view argument,
+                                std::string_view& value) {
+  if (argument.size() <= 2 || argument[1] == '-') return nullptr;
+  const KnownOption* option = FindOption(known, argument.substr(0, 2));
+  if (option == nullptr || !option->takesValue) return nullptr;
+  value = argument.substr(2);
+  return option;
 }
 
 void PrintUsageLine(FILE* out, const CommandHelp& help) {
@@ -38,6 +49,13 @@ void PrintUsageLine(FILE* out, const CommandHelp& help) {
 bool IsOption(const char* argument) { return argument[0] == '-' && argument[1] != '\0'; }
 
 }  // namespace
+
+const char kExitStatusHelp[] =
+    "Exit status: 0 success (for checksum --check, every file matches; for\n"
+    "islocked, locked); 1 a negative answer or a failure, with the reason on\n"
+    "standard error; 2 a usage error. lock adds: 75 when another living owner\n"
+    "holds the lock, and else the status of its command: 126 when the command\n"
+    "cannot be run, 127 when it is not found, 128 + n when signal n ended it.\n";
 
 bool ParsedArguments::Has(const char* name) const { return Value(name) != nullptr; }
 
@@ -64,6 +82,11 @@ bool ParseArguments(const CommandHelp& help, int argc, char** argv,
     }
     if (argument == "--help" || argument == "-h") {
       out.help = true;
+      continue;
+    }
+    std::string_view attached;
+    if (const KnownOption* option = FindAttached(known, argument, attached)) {
+      out.options.emplace_back(option->name, std::string(attached));
       continue;
     }
     const std::size_t equals = argument.find('=');

@@ -11,10 +11,15 @@
 
 namespace idxbase_tool {
 
-// Exit statuses shared by the commands.
+// Exit statuses shared by the commands ("lock" adds those of the command
+// it runs, see child_command.h).
 constexpr int kExitSuccess = 0;
 constexpr int kExitNegative = 1;  // a negative answer, or a failure
 constexpr int kExitUsage = 2;
+constexpr int kExitLockHeld = 75;  // EX_TEMPFAIL: another owner holds the lock
+
+// The exit statuses as "idxbase help" lists them.
+extern const char kExitStatusHelp[];
 
 // A command's description, printed by "--help": "usage: idxbase <name>
 // <synopsis>", then `details` (lines ending in "\n").
@@ -25,10 +30,13 @@ struct CommandHelp {
 };
 
 // An option a command accepts: "--owner" with a value ("--owner 5" or
-// "--owner=5"), or a flag such as "--quiet".
+// "--owner=5"), or a flag such as "--quiet". `alias` is an optional short
+// form ("-j"), whose value follows as the next argument or attached
+// ("-j4").
 struct KnownOption {
   const char* name;
   bool takesValue;
+  const char* alias = nullptr;
 };
 
 // A command's arguments, sorted out by ParseArguments.

@@ -1,6 +1,6 @@
 // The subcommands of the idxbase tool. Each takes the arguments after its
-// name and returns the process exit status: 0 success, 1 a negative answer
-// or a failure, 2 a usage error. Each answers "--help" with its help text.
+// name and returns the process exit status (kExit* of command_line.h; lock
+// also returns its command's). Each answers "--help" with its help text.
 #ifndef IDXBASE_TOOLS_COMMANDS_H_
 #define IDXBASE_TOOLS_COMMANDS_H_
 
@@ -8,6 +8,8 @@ namespace idxbase_tool {
 
 // Prints the version and build information.
 int AboutCommand(int argc, char** argv);
+// Prints the tool's version ("idxbase --version").
+int VersionCommand(int argc, char** argv);
 // Lists the development switches: variable, rule, default and value.
 int FlagsCommand(int argc, char** argv);
 // Prints the names of an index's directories and files.

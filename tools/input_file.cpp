@@ -9,51 +9,58 @@
 
 namespace idxbase_tool {
 
-InputFile::~InputFile() {
-  if (fd_ >= 0) close(fd_);
-}
+using idxbase::detail::Descriptor;
+using idxbase::detail::OpenDescriptor;
 
 bool InputFile::Open(const char* path) {
-  do {
-    fd_ = open(path, O_RDONLY | O_CLOEXEC);
-  } while (fd_ < 0 && errno == EINTR);
-  if (fd_ < 0) {
-    error_ = std::strerror(errno);
-    return false;
+  if (std::strcmp(path, "-") == 0) {
+    standardInput_ = true;
+    return true;
   }
+  // O_NONBLOCK: opening a FIFO without a writer would wait for one. It
+  // is cleared again once the file is known to be a regular one.
+  file_ = Descriptor(OpenDescriptor(path, O_RDONLY | O_NONBLOCK));
   struct stat status {};
-  if (fstat(fd_, &status) != 0) {
-    error_ = std::strerror(errno);
+  if (!file_.valid() || fstat(file_.get(), &status) != 0) {
+    SetError(errno);
     return false;
   }
   if (!S_ISREG(status.st_mode)) {
     error_ = S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "not a regular file";
     return false;
   }
+  const int flags = fcntl(file_.get(), F_GETFL);
+  if (flags < 0 || fcntl(file_.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) {
+    SetError(errno);
+    return false;
+  }
   size_ = static_cast<std::uint64_t>(status.st_size);
   return true;
 }
 
-long InputFile::Read(unsigned char* buffer, std::size_t capacity) {
-  ssize_t count;
-  do {
-    count = read(fd_, buffer, capacity);
-  } while (count < 0 && errno == EINTR);
-  if (count < 0) error_ = std::strerror(errno);
-  return static_cast<long>(count);
-}
+int InputFile::fd() const { return standardInput_ ? STDIN_FILENO : file_.get(); }
+
+void InputFile::SetError(int error) { error_ = std::strerror(error); }
 
 bool InputFile::ReadAll(std::size_t limit, std::string& text) {
   text.clear();
-  unsigned char buffer[512];
+  char buffer[4096];
   while (text.size() < limit) {
-    const long count = Read(buffer, sizeof buffer);
-    if (count < 0) return false;
+    const long count = idxbase::detail::ReadSome(fd(), buffer, sizeof buffer);
+    if (count < 0) {
+      SetError(errno);
+      return false;
+    }
     if (count == 0) break;
-    text.append(reinterpret_cast<const char*>(buffer), static_cast<std::size_t>(count));
+    text.append(buffer, static_cast<std::size_t>(count));
   }
   if (text.size() > limit) text.resize(limit);
   return true;
+}
+
+bool PathExists(const char* path) {
+  struct stat status {};
+  return lstat(path, &status) == 0 || errno != ENOENT;
 }
 
 }  // namespace idxbase_tool

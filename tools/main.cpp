@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "command_line.h"
 #include "commands.h"
 
 namespace {
@@ -25,14 +26,17 @@ constexpr Command kCommands[] = {
     {"islocked", idxbase_tool::IsLockedCommand, "tell whether a directory's lock is held"},
     {"lock", idxbase_tool::LockCommand, "run a command while holding a directory's lock"},
     {"names", idxbase_tool::NamesCommand, "print the names of an index's files and directories"},
+    {"version", idxbase_tool::VersionCommand, "print the version of the tool (also --version)"},
 };
 
 void PrintUsage(FILE* out) {
-  std::fprintf(out, "usage: idxbase <command> [arguments]\n\ncommands:\n");
+  std::fprintf(out,
+               "usage: idxbase <command> [arguments]\n       idxbase --version\n\ncommands:\n");
   for (const Command& command : kCommands) {
     std::fprintf(out, "  %-10s %s\n", command.name, command.summary);
   }
-  std::fprintf(out, "\n'idxbase help <command>' or 'idxbase <command> --help' describes one.\n");
+  std::fprintf(out, "\n'idxbase help <command>' or 'idxbase <command> --help' describes one.\n\n%s",
+               idxbase_tool::kExitStatusHelp);
 }
 
 const Command* Find(const char* name) {
@@ -73,6 +77,8 @@ int main(int argc, char** argv) {
       std::strcmp(argv[1], "-h") == 0) {
     return Help(argc - 2, argv + 2);
   }
+  if (std::strcmp(argv[1], "--version") == 0)
+    return idxbase_tool::VersionCommand(argc - 2, argv + 2);
   const Command* command = Find(argv[1]);
   if (command == nullptr) return 2;
   return command->run(argc - 2, argv + 2);

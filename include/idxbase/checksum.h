@@ -21,16 +21,24 @@ class IDXBASE_API IDX_Checksum {
   // IDX_Base_Constants::MD5_BUFFERS_SIZE bytes through one buffer allocated
   // for the call (its allocation failure passes to the caller).
   //
+  // The new checksum file is written beside the old one and renamed over
+  // it once complete, so a run that is killed or cannot write leaves the
+  // old checksum whole. A checksum file that is a symbolic link is replaced
+  // where the link leads; one that is not a regular file (a device), or
+  // that sits in a directory where no file can be created, is written in
+  // place.
+  //
   // KOR_S_OK on success, also when a read error ends the reading early:
   // the digest of the bytes read so far is written. KOR_E_FAIL, with
   // "ComputeCheckSum Cannot open <name> in write mode\n" on standard output,
   // when the checksum file cannot be created (the input is not opened);
   // KOR_E_FAIL, with "ComputeCheckSum Cannot open <path> in read mode\n",
   // when `path` cannot be opened for reading: the checksum file is then
-  // left on disk, empty.
+  // replaced by an empty one. KOR_E_FAIL without a message when the digits
+  // cannot be written (a full disk): the old checksum file stays.
   //
   // Threads: calls on different files are independent; two calls on the
-  // same file write the same checksum file, the last to close it wins.
+  // same file write the same checksum file, the last to finish wins.
   static KORStatus ComputeCheckSum(const KORUnicodeString& path);
 
  private:

@@ -207,6 +207,14 @@ TEST_F(ChecksumTest, UncreatableChecksumFileFails) {
             Compute(path, KOR_E_FAIL));
 }
 
+// A write that fails (the device is full) is a failure, without a message.
+TEST_F(ChecksumTest, AFailedWriteFails) {
+  const std::string path = dir_.Join("IndexAttribute");
+  idxbase_test::WriteFile(path, "abc");
+  std::filesystem::create_symlink("/dev/full", path + ".checksum");
+  EXPECT_EQ("", Compute(path, KOR_E_FAIL));
+}
+
 // A directory opens for reading but fails at the first read: the digest of
 // the bytes read so far, none, is written.
 TEST_F(ChecksumTest, ReadErrorEndsTheDigest) {

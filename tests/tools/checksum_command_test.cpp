@@ -1,7 +1,9 @@
-// idxbase checksum: files written by the library's ComputeCheckSum, and
-// verification with the tool's own block-by-block digest.
+// idxbase checksum: writing and verifying .checksum files and md5sum's
+// checksum lines, and what it does with inputs and outputs that are not
+// plain files.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
@@ -36,9 +38,8 @@ TEST_F(ChecksumCommand, WritesTheDigestAndASummary) {
               ContainsRegex("^2 files, 3 B in [0-9]+\\.[0-9]{2} s \\([0-9.]+ [KMGTP]?i?B/s\\)\n$"));
 }
 
-TEST_F(ChecksumCommand, VerifiesAcrossReadBlocksWhatTheLibraryWrote) {
-  // 2.5 MiB spans three read blocks; the library wrote the checksum, the
-  // tool computes its own digest when checking.
+TEST_F(ChecksumCommand, VerifiesAcrossReadBlocksWhatItWrote) {
+  // 2.5 MiB spans three read blocks.
   std::string content(5 << 19, '\0');
   for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 7 + i / 4096);
   const std::string big = WriteData("big", content);
@@ -52,9 +53,9 @@ TEST_F(ChecksumCommand, VerifiesAcrossReadBlocksWhatTheLibraryWrote) {
   EXPECT_THAT(run.output, HasSubstr("2 files, 2.50 MiB in "));
 }
 
-// On a terminal a large file is digested by the tool, with a progress bar;
-// the checksum file must be the one the library writes without a terminal.
-TEST_F(ChecksumCommand, OnATerminalLargeFilesShowProgressAndWriteTheLibrarysChecksum) {
+// On a terminal a large file is digested with a progress bar; the checksum
+// file must be the one written without a terminal.
+TEST_F(ChecksumCommand, OnATerminalLargeFilesShowProgressAndWriteTheSameChecksum) {
   std::string content(std::size_t{64} << 20, '\0');
   for (std::size_t i = 0; i < content.size(); i += 4096) content[i] = static_cast<char>(i >> 12);
   const std::string onTerminal = WriteData("terminal.bin", content);
@@ -128,6 +129,112 @@ TEST_F(ChecksumCommand, UnreadableInputsFailWithoutLeavingAChecksumFile) {
   run = RunTool({"checksum", "--check", missing});
   EXPECT_EQ(1, run.exitCode) << run.output;
   EXPECT_THAT(run.output, HasSubstr("idxbase checksum: " + missing + ": cannot read"));
+}
+
+TEST_F(ChecksumCommand, AFailedWriteFailsWithTheReason) {
+  const std::string abc = WriteData("abc", "abc");
+  std::filesystem::create_symlink("/dev/full", abc + ".checksum");
+  ChildResult run = RunTool({"checksum", abc});
+  EXPECT_EQ(1, run.exitCode) << run.output;
+  EXPECT_THAT(run.output, HasSubstr("idxbase checksum: " + abc + ": cannot write " + abc +
+                                    ".checksum: No space left on device\n"));
+  // The device was written through the link, not replaced.
+  EXPECT_TRUE(std::filesystem::is_symlink(abc + ".checksum"));
+}
+
+TEST_F(ChecksumCommand, AChecksumFileThatIsALinkIsReplacedWhereItLeads) {
+  const std::string abc = WriteData("abc", "abc");
+  std::filesystem::create_directory(Path("sums"));
+  const std::string target = WriteData("sums/abc.md5", "old");
+  std::filesystem::create_symlink("sums/abc.md5", abc + ".checksum");
+  ChildResult run = RunTool({"checksum", "--quiet", abc});
+  EXPECT_EQ(0, run.exitCode) << run.output;
+  EXPECT_TRUE(std::filesystem::is_symlink(abc + ".checksum"));
+  EXPECT_EQ(kAbcDigest, ReadFile(target));
+}
+
+// A run killed while it digests leaves the old checksum whole, and no
+// temporary file beside it. The sparse 16 GiB take far longer to digest
+// than the half second before the kill, at no cost in disk space.
+TEST_F(ChecksumCommand, AKilledRunKeepsTheOldChecksum) {
+  const std::string big = WriteData("big.bin", "");
+  std::filesystem::resize_file(big, std::uintmax_t{16} << 30);
+  WriteFile(big + ".checksum", kAbcDigest);
+  const ChildResult run =
+      RunChild({"/bin/sh", "-c", "\"$0\" checksum \"$1\" & sleep 0.5; kill -TERM $!; wait $!",
+                BuiltProgram("tools/idxbase"), big},
+               {{"PATH", "/usr/bin:/bin"}});
+  EXPECT_EQ(128 + SIGTERM, run.exitCode) << run.output;
+  EXPECT_EQ(kAbcDigest, ReadFile(big + ".checksum"));
+  std::vector<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(dir_.path())) {
+    names.push_back(entry.path().filename().string());
+  }
+  EXPECT_THAT(names, ::testing::UnorderedElementsAre("big.bin", "big.bin.checksum"));
+}
+
+// Neither a FIFO to read nor a FIFO in place of a checksum file may block
+// the tool: each is refused at once. The timeout only ends a run that
+// hangs (status 124).
+TEST_F(ChecksumCommand, FifosAreRefusedWithoutBlocking) {
+  const std::string fifo = Path("fifo");
+  const std::string data = WriteData("data", "abc");
+  ASSERT_EQ(0, mkfifo(fifo.c_str(), 0600));
+  ASSERT_EQ(0, mkfifo((data + ".checksum").c_str(), 0600));
+  const struct {
+    std::vector<std::string> arguments;
+    std::string message;
+  } cases[] = {
+      {{"checksum", fifo}, "checksum: " + fifo + ": cannot read: not a regular file"},
+      {{"checksum", "--check", data},
+       "checksum: " + data +
+           ".checksum: cannot read: not a "
+           "regular file"},
+      {{"checksum", "--gnu", "--check", fifo},
+       "checksum: " + fifo +
+           ": cannot read: not a "
+           "regular file"},
+      {{"filter", "--where", "a = 1", fifo}, "filter: " + fifo + ": not a regular file"},
+      {{"filter", "--file", fifo, data}, "filter: " + fifo + ": not a regular file"},
+  };
+  for (const auto& c : cases) {
+    std::vector<std::string> argv = {"/usr/bin/timeout", "5", BuiltProgram("tools/idxbase")};
+    argv.insert(argv.end(), c.arguments.begin(), c.arguments.end());
+    const ChildResult run = RunChild(argv, {{"PATH", "/usr/bin:/bin"}});
+    EXPECT_EQ(1, run.exitCode) << c.message << ": " << run.output;
+    EXPECT_THAT(run.output, HasSubstr("idxbase " + c.message + "\n"));
+  }
+}
+
+// md5sum's lines, written and read, with names that need its escapes,
+// digested in parallel and printed in the order of the arguments. md5sum
+// itself reads what the tool writes.
+TEST_F(ChecksumCommand, SpeaksMd5sumsChecksumLines) {
+  const std::string abc = WriteData("abc", "abc");
+  const std::string empty = WriteData("empty", "");
+  const std::string odd = WriteData("back\\slash\nnew line", "abc");
+  ChildResult written = RunTool({"checksum", "--gnu", "-j", "3", abc, empty, odd});
+  ASSERT_EQ(0, written.exitCode) << written.output;
+  EXPECT_EQ("900150983cd24fb0d6963f7d28e17f72  " + abc + "\n" +
+                "d41d8cd98f00b204e9800998ecf8427e  " + empty + "\n" +
+                "\\900150983cd24fb0d6963f7d28e17f72  " + Path("back\\\\slash\\nnew line") + "\n",
+            written.output);
+  EXPECT_FALSE(FileExists(abc + ".checksum"));
+  const std::string sums = WriteData("SUMS", written.output);
+  const ChildResult md5sum = RunChild({"/usr/bin/md5sum", "--check", "--quiet", sums}, {});
+  EXPECT_EQ(0, md5sum.exitCode) << md5sum.output;
+
+  // Upper case, md5sum's binary marker, a mismatch and a malformed line;
+  // a list without .checksum file is read as a list without --gnu.
+  WriteFile(sums, "900150983CD24FB0D6963F7D28E17F72 *" + abc + "\n" +
+                      "900150983cd24fb0d6963f7d28e17f72  " + empty + "\n" + "not a line\n");
+  ChildResult checked = RunTool({"checksum", "-c", sums});
+  EXPECT_EQ(1, checked.exitCode) << checked.output;
+  EXPECT_THAT(checked.output, HasSubstr(abc + ": OK\n"));
+  EXPECT_THAT(checked.output, HasSubstr("idxbase checksum: " + empty + ": checksum mismatch (" +
+                                        sums + " records " + kAbcDigest));
+  EXPECT_THAT(checked.output, HasSubstr("idxbase checksum: " + sums + ":3: not a checksum line"));
+  EXPECT_THAT(checked.output, HasSubstr("2 files, 3 B in "));
 }
 
 }  // namespace

@@ -16,7 +16,8 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-const char* const kCommands[] = {"about", "checksum", "flags", "islocked", "lock", "names"};
+const char* const kCommands[] = {"about", "checksum", "flags",  "islocked",
+                                 "lock",  "names",    "version"};
 
 TEST(ToolCommandLine, HelpForEveryCommand) {
   ChildResult list = RunTool({"help"});
@@ -45,6 +46,8 @@ TEST(ToolCommandLine, UsageErrorsExitWithTwo) {
       {{"names", "x"}, "idxbase names: takes no operands"},
       {{"checksum"}, "idxbase checksum: no file given"},
       {{"checksum", "--verify", "x"}, "idxbase checksum: unknown option '--verify'"},
+      {{"checksum", "-j", "0", "x"}, "idxbase checksum: -j takes a number of files above 0"},
+      {{"version", "x"}, "idxbase version: takes no arguments"},
   };
   for (const auto& c : cases) {
     ChildResult run = RunTool(c.arguments);
@@ -53,23 +56,32 @@ TEST(ToolCommandLine, UsageErrorsExitWithTwo) {
   }
 }
 
-TEST(ToolCommandLine, AboutPrintsTheVersion) {
-  ChildResult run = RunTool({"about"});
-  EXPECT_EQ(0, run.exitCode);
-  EXPECT_THAT(run.output, testing::MatchesRegex("idxbase [0-9]+\\.[0-9]+\\.[0-9]+, built .+\n"));
+TEST(ToolCommandLine, AboutAndVersionPrintTheVersion) {
+  ChildResult about = RunTool({"about"});
+  EXPECT_EQ(0, about.exitCode);
+  EXPECT_THAT(about.output, testing::MatchesRegex("idxbase [0-9]+\\.[0-9]+\\.[0-9]+, built .+\n"));
+  // The tool's version is the library's it runs with.
+  const std::string version = about.output.substr(0, about.output.find(','));
+  for (const char* argument : {"--version", "version"}) {
+    ChildResult run = RunTool({argument});
+    EXPECT_EQ(0, run.exitCode) << argument;
+    EXPECT_EQ(version + "\n", run.output) << argument;
+  }
 }
 
 TEST(ParseArguments, SortsOptionsOperandsAndTheRest) {
   const idxbase_tool::CommandHelp help{"test", "", ""};
-  std::string texts[] = {"a", "--owner=5", "-",  "--quiet", "--owner",
-                         "7", "b",         "--", "--quiet", "c"};
+  std::string texts[] = {"a", "--owner=5", "-",  "-q",      "--owner", "7",
+                         "b", "-j4",       "--", "--quiet", "c"};
   std::vector<char*> argv;
   for (std::string& text : texts) argv.push_back(text.data());
   idxbase_tool::ParsedArguments parsed;
-  ASSERT_TRUE(idxbase_tool::ParseArguments(help, static_cast<int>(argv.size()), argv.data(),
-                                           {{"--owner", true}, {"--quiet", false}}, parsed));
+  ASSERT_TRUE(idxbase_tool::ParseArguments(
+      help, static_cast<int>(argv.size()), argv.data(),
+      {{"--owner", true}, {"--quiet", false, "-q"}, {"--jobs", true, "-j"}}, parsed));
   EXPECT_FALSE(parsed.help);
   EXPECT_STREQ("7", parsed.Value("--owner"));
+  EXPECT_STREQ("4", parsed.Value("--jobs"));
   EXPECT_TRUE(parsed.Has("--quiet"));
   EXPECT_FALSE(parsed.Has("--check"));
   ASSERT_EQ(3u, parsed.operands.size());

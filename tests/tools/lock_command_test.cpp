@@ -1,6 +1,6 @@
 // idxbase lock and islocked with real processes. A holder's lock files
-// are recognised as alive only after a 2-second wait, so the cases that
-// meet a held lock take a few seconds each.
+// are recognised as alive (or dead) only after a 2-second wait, so the
+// cases that meet a lock take a few seconds each.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -44,7 +44,7 @@ class LockCommand : public ToolTest {
 
 TEST_F(LockCommand, AHolderLocksOutOthersUntilItsCommandEnds) {
   std::future<ChildResult> holder = std::async(std::launch::async, [&] {
-    return RunTool({"lock", dir_.path(), "--owner", "4242", "--", "sleep", "6"});
+    return RunTool({"lock", dir_.path(), "--owner", "4242", "--", "sleep", "7"});
   });
   ASSERT_TRUE(WaitForLockFile());
   EXPECT_THAT(LockFiles()[0], HasSubstr("lock.4242."));
@@ -57,10 +57,16 @@ TEST_F(LockCommand, AHolderLocksOutOthersUntilItsCommandEnds) {
   EXPECT_EQ(1, asHolder.exitCode) << asHolder.output;
   EXPECT_EQ("", asHolder.output);
 
-  ChildResult contender = RunTool({"lock", dir_.path(), "--", "true"});
+  // Both give up while the holder still holds: at once, and after a wait.
+  std::future<ChildResult> waiting = std::async(std::launch::async, [&] {
+    return RunTool({"lock", dir_.path(), "--wait", "0.5", "--", "true"});
+  });
+  ChildResult contender = RunTool({"lock", dir_.path(), "-n", "--", "true"});
   EXPECT_EQ(75, contender.exitCode) << contender.output;
   EXPECT_THAT(contender.output,
               HasSubstr("idxbase lock: " + dir_.path() + " is locked by another living owner\n"));
+  ChildResult waited = waiting.get();
+  EXPECT_EQ(75, waited.exitCode) << waited.output;
 
   ChildResult held = holder.get();
   EXPECT_EQ(0, held.exitCode) << held.output;
@@ -68,6 +74,35 @@ TEST_F(LockCommand, AHolderLocksOutOthersUntilItsCommandEnds) {
   ChildResult after = RunTool({"islocked", dir_.path()});
   EXPECT_EQ(1, after.exitCode) << after.output;
   EXPECT_EQ("not locked\n", after.output);
+}
+
+// A holder killed with SIGKILL cannot release anything: its command must
+// die with it, so that the next holder does not run beside it. The
+// library's message about the dead holder's files stays off the next
+// command's standard output.
+TEST_F(LockCommand, AKilledHolderTakesItsCommandWithIt) {
+  const char* script = R"sh(
+    pidfile=$2/command.pid
+    "$0" lock "$1" -- sh -c 'echo $$ > "$0"; exec sleep 100' "$pidfile" &
+    holder=$!
+    i=0
+    until [ -s "$pidfile" ]; do i=$((i + 1)); [ $i -gt 1000 ] && exit 90; sleep 0.01; done
+    kill -KILL $holder
+    wait $holder 2>/dev/null
+    command=$(cat "$pidfile")
+    # Gone, or a zombie that no one has reaped yet.
+    i=0
+    while [ -e /proc/$command ] && [ "$(cut -d' ' -f3 /proc/$command/stat)" != Z ]; do
+      i=$((i + 1)); [ $i -gt 500 ] && { kill $command; exit 91; }; sleep 0.01
+    done
+    "$0" lock "$1" -n -- echo next 2>/dev/null
+  )sh";
+  std::filesystem::create_directory(Path("index"));
+  const ChildResult run =
+      RunChild({"/bin/sh", "-c", script, BuiltProgram("tools/idxbase"), Path("index"), dir_.path()},
+               {{"PATH", "/usr/bin:/bin"}});
+  EXPECT_EQ(0, run.exitCode) << run.output;
+  EXPECT_EQ("next\n", run.output);
 }
 
 TEST_F(LockCommand, ReturnsTheCommandsStatusAndReleasesTheLock) {
@@ -115,6 +150,9 @@ TEST_F(LockCommand, UsageErrors) {
       {"lock", dir_.path(), "--owner", "12x", "--", "true"},
       {"lock", dir_.path(), "--owner", "99999999999", "--", "true"},
       {"lock", dir_.path(), "--owner"},
+      {"lock", dir_.path(), "--owner", "-1", "--", "true"},
+      {"lock", dir_.path(), "--wait", "soon", "--", "true"},
+      {"lock", dir_.path(), "-n", "--wait", "1", "--", "true"},
       {"islocked"},
       {"islocked", dir_.path(), dir_.path()},
       {"islocked", dir_.path(), "--owner", ""},

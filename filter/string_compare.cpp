@@ -1,6 +1,9 @@
 #include "filter/string_compare.h"
 
+#include <cstdint>
 #include <cstring>
+
+#include "base/host_byte_order.h"
 
 namespace idxbase::detail {
 namespace {
@@ -45,6 +48,21 @@ constexpr int kShortScan = 32;
 // byte `c`, or null.
 const char* FindByte(const char* cursor, const char* last, char c) {
   if (last - cursor < kShortScan) {
+    if (kLittleEndianHost) {
+      // Eight bytes a step, all inside [cursor, last): a byte equal to c
+      // becomes zero in `x`, and the lowest flagged byte of the classic
+      // zero-byte test is the first zero (higher flags may be false).
+      constexpr std::uint64_t kOnes = 0x0101010101010101ull;
+      constexpr std::uint64_t kHighs = 0x8080808080808080ull;
+      const std::uint64_t pattern = kOnes * static_cast<unsigned char>(c);
+      for (; last - cursor >= 8; cursor += 8) {
+        std::uint64_t word;
+        std::memcpy(&word, cursor, sizeof word);
+        const std::uint64_t x = word ^ pattern;
+        const std::uint64_t zeros = (x - kOnes) & ~x & kHighs;
+        if (zeros != 0) return cursor + __builtin_ctzll(zeros) / 8;
+      }
+    }
     for (; cursor < last; ++cursor) {
       if (*cursor == c) return cursor;
     }

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -115,7 +116,10 @@ TEST(FilterBatch, AnswersAsEvalDoesForRandomTreesAndColumns) {
   Tally tally;
   std::string failure;
   idxbase_test::StdoutCapture compileWarnings;
-  for (int t = 0; t < 600 && failure.empty(); ++t) {
+  // 600 trees (about 1,000,000 row evaluations) for the soak's count.
+  const int trees =
+      std::max(30, static_cast<int>(600LL * idxbase_test::SoakEvaluations() / 1000000));
+  for (int t = 0; t < trees && failure.empty(); ++t) {
     const idxbase_test::Expr model = generator.Tree(0);
     if (!model) continue;
     // Row counts around the chunk size (2,048) now and then.

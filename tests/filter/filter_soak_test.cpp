@@ -38,12 +38,6 @@ const char kNoEvaluation[] = "No evaluation function defined.\n";
 const char kNullExpression[] = "Error in BBDComposedExpression::eval : null expression\n";
 const char kNullOperand[] = "Warning : null operand in BBDBasicExpression::Compile()\n";
 
-// 1,000,000 evaluations (a few seconds, also with the sanitizers);
-// IDXBASE_SOAK_EVALUATIONS sets another count (the valgrind run uses it).
-int EvaluationCount() {
-  const char* count = std::getenv("IDXBASE_SOAK_EVALUATIONS");
-  return count != nullptr ? std::atoi(count) : 1000000;
-}
 
 // ---------------------------------------------------------------------
 // The reference evaluator.
@@ -383,7 +377,7 @@ std::string RecordText(const Record& record) {
 TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
   constexpr int kRecordsPerTree = 50;
   constexpr int kTreesPerCapture = 200;
-  const int evaluations = EvaluationCount();
+  const int evaluations = SoakEvaluations();
   Generator generator(20240611);
   const char* userVariable = nullptr;
   const TreeBuilder builder(&userVariable);

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -20,6 +21,14 @@
 #include "idxbase/filter_expressions.h"
 
 namespace idxbase_test {
+
+// How many evaluations the random-tree tests make: 1,000,000 (a few
+// seconds, also with the sanitizers), or IDXBASE_SOAK_EVALUATIONS (the
+// valgrind run asks for fewer).
+inline int SoakEvaluations() {
+  const char* count = std::getenv("IDXBASE_SOAK_EVALUATIONS");
+  return count != nullptr ? std::atoi(count) : 1000000;
+}
 
 // ---------------------------------------------------------------------
 // Values, as the reference sees them.

@@ -206,16 +206,13 @@ bool CsvReader::Refill(CsvError& error) {
     return true;
   }
   const std::size_t pending = end_ - pos_;
-  if (pending > kMaxRecordBytes) {
-    error = {line_, "a record longer than " + std::to_string(kMaxRecordBytes >> 20) +
-                        " MiB starts here; records that long are not read"};
-    return false;
-  }
+  if (pending > kMaxRecordBytes) return TooLong(error);
   if (pos_ > 0) std::memmove(buffer_.data(), buffer_.data() + pos_, pending);
   pos_ = 0;
   end_ = pending;
   if (buffer_.size() - end_ < kReadBytes / 2) {
-    buffer_.resize(std::max(buffer_.size() * 2, end_ + kReadBytes));
+    buffer_.resize(std::min(std::max(buffer_.size() * 2, end_ + kReadBytes),
+                            kMaxRecordBytes + kReadBytes));
   }
   data_ = buffer_.data();
   // Pipes deliver a little at a time: fill the buffer, so that chunks
@@ -233,6 +230,12 @@ bool CsvReader::Refill(CsvError& error) {
     end_ += static_cast<std::size_t>(count);
   }
   return true;
+}
+
+bool CsvReader::TooLong(CsvError& error) const {
+  error = {line_, "a record longer than " + std::to_string(kMaxRecordBytes >> 20) +
+                      " MiB starts here; records that long are not read"};
+  return false;
 }
 
 CsvReader::Parsed CsvReader::ParseRecord(const char* p, Span& span, CsvError& error) {
@@ -329,6 +332,10 @@ CsvReader::Parsed CsvReader::NextRecord(bool mayRefill, const char*& begin, Span
     Parsed parsed = Parsed::kIncomplete;
     if (p < end) {
       parsed = ParseRecord(p, span, error);
+      if (parsed == Parsed::kRecord && static_cast<std::size_t>(span.end - p) > kMaxRecordBytes) {
+        TooLong(error);
+        return Parsed::kFatal;
+      }
       if (parsed != Parsed::kIncomplete) {
         begin = p;
         return parsed;

@@ -129,6 +129,7 @@ class CsvReader {
   Parsed ParseRecord(const char* begin, Span& span, CsvError& error);
   Parsed NextRecord(bool mayRefill, const char*& begin, Span& span, CsvError& error);
   bool Refill(CsvError& error);
+  bool TooLong(CsvError& error) const;
   bool AddRow(CsvChunk& chunk, std::string_view record, long long line, CsvError& error);
   bool Bad(const CsvError& fault, CsvError& error);
   bool Fail(CsvChunk& chunk, CsvError& error);

@@ -182,6 +182,19 @@ TEST_F(FilterCommand, ReadsStandardInputFromAPipe) {
   EXPECT_GT(std::count(fromPipe.output.begin(), fromPipe.output.end(), '\n'), 2);
 }
 
+// The data streams: a record too long to hold is refused, naming its line,
+// after the records before it.
+TEST_F(FilterCommand, RefusesARecordOver64MiBNamingItsLine) {
+  const ChildResult result = RunShell(
+      "{ echo n:string; echo ok; head -c 70000000 /dev/zero | tr '\\0' a; echo; } | "
+      "\"$0\" filter --where 'n = \"ok\"' -",
+      {});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output,
+            "n:string\nok\nidxbase filter: standard input: line 3: a record longer than 64 MiB "
+            "starts here; records that long are not read\n");
+}
+
 TEST_F(FilterCommand, PrintsRecordsHoldingNulBytesWhole) {
   const std::string nul(1, '\0');
   WriteFile(Path("nul.csv"), "name:string,n:int\n" + ("a" + nul + "b,1\n") + "ab,2\n" +

@@ -390,8 +390,10 @@ void MemberKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out,
     const bool last = k + 4 >= members.size();
     const rules::Equal same;
     for (int i = 0; i < n; ++i) {
-      const bool hit =
-          any && (same(a[i], m[0]) | same(a[i], m[1]) | same(a[i], m[2]) | same(a[i], m[3]));
+      // Bitwise, so that the four tests stay branch-free.
+      const int hits = static_cast<int>(same(a[i], m[0])) | static_cast<int>(same(a[i], m[1])) |
+                       static_cast<int>(same(a[i], m[2])) | static_cast<int>(same(a[i], m[3]));
+      const bool hit = any && hits != 0;
       found[i] |= static_cast<std::uint8_t>(hit);
       if (last) out[i] = va[i] == 0 ? kUndecidable : (found[i] != 0 ? kHolds : notFound);
     }

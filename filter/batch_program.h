@@ -54,7 +54,6 @@ class BatchProgram {
   std::vector<Binding> bindings_;
   std::int64_t count_ = 0;
   bool caseSensitive_ = true;
-  bool accepted_ = false;
   // Rebuilt by Prepare; their storage is kept between calls.
   std::vector<BatchNode> nodes_;
   std::vector<UsedColumn> used_;

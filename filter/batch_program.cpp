@@ -21,18 +21,10 @@
 #include "filter/operator_table.h"
 #include "filter/resolved_attribute.h"
 #include "filter/string_compare.h"
+#include "filter/tree_access.h"
 #include "idxbase/filter_attributes.h"
 
 namespace idxbase::detail {
-
-// The parts of a tree that the evaluator reads.
-struct TreeAccess {
-  static BBDExpression* First(BBDComposedExpression& e) { return e.m_First; }
-  static BBDExpression* Second(BBDComposedExpression& e) { return e.m_Second; }
-  static BBDOperand* OperandOf(BBDBasicExpression& e, int position) {
-    return e.m_Operand[position].get();
-  }
-};
 
 namespace {
 

@@ -7,10 +7,13 @@
 #include <cerrno>
 #include <cstring>
 
+#include "platform/kor_file.h"
+
 namespace idxbase_tool {
 
-using idxbase::detail::Descriptor;
-using idxbase::detail::OpenDescriptor;
+InputFile::~InputFile() {
+  if (descriptor_ >= 0) static_cast<void>(idxbase::detail::Descriptor(descriptor_).Close());
+}
 
 bool InputFile::Open(const char* path) {
   if (std::strcmp(path, "-") == 0) {
@@ -19,9 +22,9 @@ bool InputFile::Open(const char* path) {
   }
   // O_NONBLOCK: opening a FIFO without a writer would wait for one. It
   // is cleared again once the file is known to be a regular one.
-  file_ = Descriptor(OpenDescriptor(path, O_RDONLY | O_NONBLOCK));
+  descriptor_ = idxbase::detail::OpenDescriptor(path, O_RDONLY | O_NONBLOCK);
   struct stat status {};
-  if (!file_.valid() || fstat(file_.get(), &status) != 0) {
+  if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) {
     SetError(errno);
     return false;
   }
@@ -29,8 +32,8 @@ bool InputFile::Open(const char* path) {
     error_ = S_ISDIR(status.st_mode) ? std::strerror(EISDIR) : "not a regular file";
     return false;
   }
-  const int flags = fcntl(file_.get(), F_GETFL);
-  if (flags < 0 || fcntl(file_.get(), F_SETFL, flags & ~O_NONBLOCK) != 0) {
+  const int flags = fcntl(descriptor_, F_GETFL);
+  if (flags < 0 || fcntl(descriptor_, F_SETFL, flags & ~O_NONBLOCK) != 0) {
     SetError(errno);
     return false;
   }
@@ -38,7 +41,11 @@ bool InputFile::Open(const char* path) {
   return true;
 }
 
-int InputFile::fd() const { return standardInput_ ? STDIN_FILENO : file_.get(); }
+int InputFile::fd() const { return standardInput_ ? STDIN_FILENO : descriptor_; }
+
+long InputFile::Read(char* buffer, std::size_t capacity) {
+  return idxbase::detail::ReadSome(fd(), buffer, capacity);
+}
 
 void InputFile::SetError(int error) { error_ = std::strerror(error); }
 
@@ -46,7 +53,7 @@ bool InputFile::ReadAll(std::size_t limit, std::string& text) {
   text.clear();
   char buffer[4096];
   while (text.size() < limit) {
-    const long count = idxbase::detail::ReadSome(fd(), buffer, sizeof buffer);
+    const long count = Read(buffer, sizeof buffer);
     if (count < 0) {
       SetError(errno);
       return false;

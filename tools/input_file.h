@@ -8,13 +8,12 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/kor_file.h"
-
 namespace idxbase_tool {
 
 class InputFile {
  public:
   InputFile() = default;
+  ~InputFile();
   InputFile(const InputFile&) = delete;
   InputFile& operator=(const InputFile&) = delete;
 
@@ -26,6 +25,9 @@ class InputFile {
   int fd() const;
   // The size when opened (0 for standard input).
   std::uint64_t size() const { return size_; }
+  // Reads up to `capacity` bytes (retrying when interrupted): the count,
+  // 0 at the end, or -1 with errno set.
+  long Read(char* buffer, std::size_t capacity);
   // Reads at most `limit` bytes into `text`; false on a read error.
   [[nodiscard]] bool ReadAll(std::size_t limit, std::string& text);
   const std::string& error() const { return error_; }
@@ -33,7 +35,7 @@ class InputFile {
   void SetError(int error);
 
  private:
-  idxbase::detail::Descriptor file_;
+  int descriptor_ = -1;  // owned, unless standard input
   bool standardInput_ = false;
   std::uint64_t size_ = 0;
   std::string error_;

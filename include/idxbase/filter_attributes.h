@@ -136,6 +136,7 @@ class IDXBASE_API BBDOperandAttribute : public BBDOperand {
   AttributeTypePair* GetPair() const { return m_Pair.get(); }
 
  private:
+  friend struct idxbase::detail::TreeAccess;
   std::shared_ptr<AttributeTypePair> m_Pair;
   KORUnicodeString m_FirstName;
   KORUnicodeString m_SecondName;

@@ -313,6 +313,7 @@ class IDXBASE_API BBDOperandStringUser : public BBDOperand {
                          int& length) override;
 
  private:
+  friend struct idxbase::detail::TreeAccess;
   const char* const* m_Variable;
 };
 

@@ -46,11 +46,12 @@
 // the other side's type (integer when no side has one). Booleans take only
 // "=", "<>" and IN; LIKE and NOT_LIKE take strings; time has no IN.
 //
-// Round trip: for a well-typed tree whose operands render readably
-// (constants other than time, names, NAOperand, NullOperand; not sets,
-// variables, time constants, strings holding a double quote, or a missing
-// bound of BETWEEN, which renders without it), parsing
-// toString's text gives a tree that renders the same text once compiled.
+// Round trip: toString renders for traces and does not always read back
+// (sets and variables render as nothing, times as "time unsupported",
+// quotes inside strings are not doubled). BBDFilterParser::Format writes
+// filter text instead: every tree the parser builds formats to text that
+// parses, with the same bindings and schema, to an equivalent tree (the
+// same shape, operators and operand values).
 #ifndef IDXBASE_FILTER_PARSER_H_
 #define IDXBASE_FILTER_PARSER_H_
 
@@ -148,6 +149,22 @@ class IDXBASE_API BBDFilterParser {
   void SetCompile(bool compile) { m_Compile = compile; }
 
   KORStatus Parse(std::string_view text, BBDExpression*& root, BBDFilterParseError& error) const;
+
+  // Writes `root` as filter text that this parser reads back into an
+  // equivalent tree: fully parenthesised AND and OR, NOT, comparisons in
+  // infix form, sets as {a, b}, times as @YYYY-MM-DDTHH:MM:SS, strings in
+  // double quotes (a quote doubled), floats in their shortest exact form
+  // with a "." or an exponent, a user-string operand as "$name" of the
+  // variable bound to its address, attributes as "Type.attribute" (or the
+  // bare attribute name when the type name is empty), missing parts as
+  // NULL and NullOperand. KOR_S_OK with `text` replaced; KOR_E_FAIL with
+  // `text` empty for a tree the language cannot write: a class other than
+  // the library's own expressions and the operands the parser builds (and
+  // BBDOperandAttribute), an operator without a spelling, a variable not
+  // bound here, a name that is not a filter name, a float that is not
+  // finite, a time outside years 1 to 9999, a string holding a NUL, a
+  // set element that is a set or missing, or a null root.
+  KORStatus Format(const BBDExpression* root, std::string& text) const;
 
   // True when `word` reads as one name part in a filter: letters, digits
   // and "_", not starting with a digit (ASCII only), and not a keyword.

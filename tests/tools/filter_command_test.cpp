@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <functional>
 #include <optional>
@@ -112,7 +113,7 @@ TEST_F(FilterCommand, CountsExplainsVariablesAndCase) {
   result = RunTool(
       {"filter", "--explain", "--var", "who=nut", "--where", "name = $who AND count > 1", csv});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.output, std::string("filter: ( ( Row.name =  ) & ( Row.count > 1 ) )\n") +
+  EXPECT_EQ(result.output, std::string("filter: (Row.name = $who AND Row.count > 1)\n") +
                                kHeader + "\n" + Line(rows[2]) + "\n");
   WriteFile(Path("filter.txt"), "count >= 3\n  AND count <> 4\n");
   result = RunTool({"filter", "--file", Path("filter.txt"), csv});
@@ -145,11 +146,12 @@ TEST_F(FilterCommand, ReportsBadFiltersAndFilesClearly) {
   EXPECT_EQ(result.exitCode, 2);
   EXPECT_THAT(result.output, HasSubstr("unknown variable '$nobody'"));
 
+  // The records before a bad one are printed; the run stops at it.
   WriteFile(Path("bad.csv"), "a:int,b:float\n1,2\n\"x\ny\",3\n4,5x\n");
   result = RunTool({"filter", "--where", "a = 1", Path("bad.csv")});
   EXPECT_EQ(result.exitCode, 1);
-  EXPECT_EQ(result.output,
-            "idxbase filter: " + Path("bad.csv") + ": line 3: column 'a': 'x\ny' is not an int\n");
+  EXPECT_EQ(result.output, "a:int,b:float\n1,2\nidxbase filter: " + Path("bad.csv") +
+                               ": line 3: column 'a': 'x\ny' is not an int\n");
   result = RunTool({"filter", "--where", "a = 1", Path("missing.csv")});
   EXPECT_EQ(result.exitCode, 1);
   EXPECT_THAT(result.output, StartsWith("idxbase filter: " + Path("missing.csv") + ": "));
@@ -158,6 +160,102 @@ TEST_F(FilterCommand, ReportsBadFiltersAndFilesClearly) {
                                                 {"filter", "--where", "a=1", "--file", "f", csv},
                                                 {"filter", "--var", "x", "--where", "a=1", csv}}) {
     EXPECT_EQ(RunTool(usage).exitCode, 2) << usage.back();
+  }
+}
+
+// Runs `script` with sh, $0 being the tool and $1... `arguments`.
+ChildResult RunShell(const std::string& script, const std::vector<std::string>& arguments) {
+  std::vector<std::string> argv = {"/bin/sh", "-c", script, BuiltProgram("tools/idxbase")};
+  argv.insert(argv.end(), arguments.begin(), arguments.end());
+  return RunChild(argv, {{"PATH", "/usr/bin:/bin"}});
+}
+
+TEST_F(FilterCommand, ReadsStandardInputFromAPipe) {
+  const std::vector<Row> rows = RandomRows(200);
+  const std::string csv = WriteRows(rows);
+  const std::string where = "count > 3 AND name LIKE 'olt'";
+  const ChildResult fromFile = RunTool({"filter", "--where", where, csv});
+  const ChildResult fromPipe =
+      RunShell("cat \"$2\" | \"$0\" filter --where \"$1\" -", {where, csv});
+  EXPECT_EQ(fromPipe.exitCode, 0);
+  EXPECT_EQ(fromPipe.output, fromFile.output);
+  EXPECT_GT(std::count(fromPipe.output.begin(), fromPipe.output.end(), '\n'), 2);
+}
+
+// The data streams: a record too long to hold is refused, naming its line,
+// after the records before it.
+TEST_F(FilterCommand, RefusesARecordOver64MiBNamingItsLine) {
+  const ChildResult result = RunShell(
+      "{ echo n:string; echo ok; head -c 70000000 /dev/zero | tr '\\0' a; echo; } | "
+      "\"$0\" filter --where 'n = \"ok\"' -",
+      {});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output,
+            "n:string\nok\nidxbase filter: standard input: line 3: a record longer than 64 MiB "
+            "starts here; records that long are not read\n");
+}
+
+TEST_F(FilterCommand, PrintsRecordsHoldingNulBytesWhole) {
+  const std::string nul(1, '\0');
+  WriteFile(Path("nul.csv"), "name:string,n:int\n" + ("a" + nul + "b,1\n") + "ab,2\n" +
+                                 ("\"q" + nul + "\",3\n"));
+  const ChildResult result = RunTool({"filter", "--where", "name LIKE 'b'", Path("nul.csv")});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "name:string,n:int\n" + ("a" + nul + "b,1\n") + "ab,2\n");
+}
+
+TEST_F(FilterCommand, SkipsAByteOrderMark) {
+  WriteFile(Path("bom.csv"), "\xEF\xBB\xBFname:string,n:int\nbolt,1\nnut,2\n");
+  const ChildResult result = RunTool({"filter", "--where", "n = 2", Path("bom.csv")});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "name:string,n:int\nnut,2\n");
+}
+
+TEST_F(FilterCommand, ShortensALongBadFieldInItsMessage) {
+  WriteFile(Path("long.csv"), "n:int\n1\n" + std::string(2000000, '7') + "x\n");
+  const ChildResult result = RunTool({"filter", "--count", "--where", "n = 1", Path("long.csv")});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output, "idxbase filter: " + Path("long.csv") + ": line 3: column 'n': '" +
+                               std::string(60, '7') + "...' (2000001 bytes) is not an int\n");
+}
+
+TEST_F(FilterCommand, SkipBadCountsBadRecordsAndGoesOn) {
+  WriteFile(Path("bad.csv"), "a:int,b:string\n1,x\nnope,y\n1\n\"q\"z,1\n1,w\n");
+  const ChildResult result = RunTool({"filter", "--skip-bad", "--where", "a = 1", Path("bad.csv")});
+  EXPECT_EQ(result.exitCode, 0);
+  EXPECT_EQ(result.output, "a:int,b:string\n1,x\n1,w\nidxbase filter: " + Path("bad.csv") +
+                               ": skipped 3 bad records; the first, at line 3: column 'a': 'nope' "
+                               "is not an int\n");
+}
+
+TEST_F(FilterCommand, ExplainsHowToTypeAPlainHeader) {
+  WriteFile(Path("plain.csv"), "name,mass,count,released\nbolt,1.5,3,true\n");
+  const ChildResult result = RunTool({"filter", "--where", "count = 3", Path("plain.csv")});
+  EXPECT_EQ(result.exitCode, 1);
+  EXPECT_EQ(result.output, "idxbase filter: " + Path("plain.csv") +
+                               ": line 1: the header gives no column types: write each column as "
+                               "name:type, with type one of string, int, float, bool, time (e.g. "
+                               "name:string,mass:string,count:string,...)\n");
+}
+
+// --explain writes filter text on standard error, which reads back as
+// --where and selects the same records: sets, times, quotes, variables.
+TEST_F(FilterCommand, ExplainedFilterReadsBack) {
+  const std::vector<Row> rows = RandomRows(300);
+  const std::string csv = WriteRows(rows);
+  for (const char* where :
+       {"count IN {1 2 3} OR modified BETWEEN @2026-11-03 AND @2026-11-20T06:00:00",
+        "NOT (name IN {'nut3', \"say \"\"hi\"\"\", $who} OR mass >= 2) AND released <> false",
+        "name LIKE 'olt' AND NOT name NOT LIKE 'B' OR mass IN {2.5, 3, 0.25}"}) {
+    const ChildResult explained = RunShell(
+        "\"$0\" filter --explain --count --var who=gear1 --where \"$1\" \"$2\" 2>&1 >/dev/null",
+        {where, csv});
+    ASSERT_EQ(explained.output.rfind("filter: ", 0), 0u) << explained.output;
+    const std::string text = explained.output.substr(8, explained.output.size() - 9);
+    const ChildResult original = RunTool({"filter", "--var", "who=gear1", "--where", where, csv});
+    const ChildResult readBack = RunTool({"filter", "--var", "who=gear1", "--where", text, csv});
+    EXPECT_EQ(readBack.output, original.output) << text;
+    EXPECT_GT(std::count(original.output.begin(), original.output.end(), '\n'), 1) << where;
   }
 }
 

@@ -283,10 +283,12 @@ TEST(DemoCommand, ReportsEveryFilterOverEveryPart) {
         EXPECT_GT(holds, 0) << line;
       }
       compiled += line.rfind("  compiled      ( ", 0) == 0 ? 1 : 0;
-      double nanoseconds = 0;
+      double byRecord = 0, byColumn = 0;
       consumed = 0;
-      if (std::sscanf(line.c_str(), "  %lf ns/record%n", &nanoseconds, &consumed) == 1 &&
-          consumed == static_cast<int>(line.size()) && nanoseconds > 0) {
+      if (std::sscanf(line.c_str(),
+                      "  %lf ns/record one at a time, %lf ns/record column-at-a-time%n", &byRecord,
+                      &byColumn, &consumed) == 2 &&
+          consumed == static_cast<int>(line.size()) && byRecord > 0 && byColumn > 0) {
         ++speeds;
       }
     }

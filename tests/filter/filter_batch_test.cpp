@@ -290,6 +290,9 @@ TEST(FilterBatch, ReadsArrowColumnsWithOffsetsAndNulls) {
   const std::int64_t largeOffsets[] = {0, 1, 3, 5, 7};
   const std::int64_t day = 19000;  // 2022-01-08
   const std::int64_t ms[] = {0, (day * 86400 + 3600) * 1000, 0, -1};
+  const std::int64_t us[] = {0, (day * 86400 + 3600) * 1000000, 0, -1};
+  const std::int64_t ns[] = {0, (day * 86400 + 3600) * 1000000000, 0, -1};
+  const std::int64_t s[] = {0, day * 86400 + 3600, 0, -1};
   const std::int32_t days[] = {0, static_cast<std::int32_t>(day), 0, 0};
   const KORTime midnight = KORTime::FromEpochSeconds(day * 86400);
   const KORTime beforeEpoch = KORTime::FromEpochSeconds(-1);
@@ -351,6 +354,24 @@ TEST(FilterBatch, ReadsArrowColumnsWithOffsetsAndNulls) {
        IDX_Filter_Type_Time,
        new BBDOperandTimeConst(beforeEpoch),
        {H, H, D}},
+      {"tss:",
+       {"tss:", 3, 1, nullptr, s},
+       IDX_Filter_Op_HigherTime,
+       IDX_Filter_Type_Time,
+       new BBDOperandTimeConst(beforeEpoch),
+       {H, H, D}},
+      {"tsu:",
+       {"tsu:", 3, 1, nullptr, us},
+       IDX_Filter_Op_HigherTime,
+       IDX_Filter_Type_Time,
+       new BBDOperandTimeConst(beforeEpoch),
+       {H, H, D}},
+      {"tsn:",
+       {"tsn:Europe/Paris", 3, 1, nullptr, ns},
+       IDX_Filter_Op_LowerTime,
+       IDX_Filter_Type_Time,
+       new BBDOperandTimeConst(midnight),
+       {D, H, H}},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(row.expected, Answers(row.column, row.op, row.type, row.constant, 3)) << row.what;

@@ -3,13 +3,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/allocation.h"
 #include "base/hash_table_internal.h"
 #include "base/integer_mix.h"
 #include "idxbase/trace.h"
 
 namespace idxbase::detail {
-
-HashTableAllocator hashTableAllocate = [](std::size_t bytes) { return std::malloc(bytes); };
 
 // The smallest power of two not below the half, by smearing the highest
 // set bit of half - 1 into every lower bit.
@@ -30,7 +29,7 @@ std::int32_t HashTableBucketCount(int requestedSize) {
 namespace {
 
 using Node = BBDVerySimpleHashTable::LinkedListElem;
-using idxbase::detail::hashTableAllocate;
+using idxbase::detail::Allocate;
 
 // The value bytes start right after the header, which keeps them aligned
 // for a pointer.
@@ -62,7 +61,7 @@ Node* FindInChain(Node* node, int key) {
 // A node for `key` in front of `next`, with uninitialised value bytes; null
 // when memory runs out.
 Node* NewNode(int key, Node* next, std::int32_t valueBytes) {
-  void* block = hashTableAllocate(sizeof(Node) + static_cast<std::size_t>(valueBytes));
+  void* block = Allocate(sizeof(Node) + static_cast<std::size_t>(valueBytes));
   if (block == nullptr) return nullptr;
   Node* node = static_cast<Node*>(block);
   node->key = key;
@@ -73,7 +72,7 @@ Node* NewNode(int key, Node* next, std::int32_t valueBytes) {
 // `count` empty chain heads; null when memory runs out.
 Node** NewBuckets(std::int32_t count) {
   const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(Node*);
-  void* block = hashTableAllocate(bytes);
+  void* block = Allocate(bytes);
   if (block != nullptr) std::memset(block, 0, bytes);
   return static_cast<Node**>(block);
 }

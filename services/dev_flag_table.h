@@ -224,16 +224,19 @@ constexpr bool RulesInEnumOrder() {
 }
 static_assert(RulesInEnumOrder(), "kFlagRules is indexed by FlagRule");
 
-// The row of a switch read at every call, found by its accessor.
+// The row of the switch that `accessor` reads at every call; the row count
+// when no row names it.
 template <typename Accessor>
-constexpr const DevFlag& FlagOf(Accessor accessor) {
+constexpr std::size_t FlagIndexOf(Accessor accessor) {
+  std::size_t index = 0;
   for (const DevFlag& flag : kDevFlags) {
     if (PerCall(accessor).truthAccessor == flag.target.truthAccessor &&
         PerCall(accessor).textAccessor == flag.target.textAccessor) {
-      return flag;
+      return index;
     }
+    ++index;
   }
-  return kDevFlags[0];  // not reached for an accessor of the table
+  return index;
 }
 
 // The value a switch has in this process.

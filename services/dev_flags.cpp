@@ -4,6 +4,7 @@
 #include "services/dev_flags.h"
 
 #include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include "idxbase/kor_system.h"
@@ -96,13 +97,13 @@ std::int32_t ParseInteger(const char* text) {
 namespace {
 
 using idxbase::detail::EvaluateFlag;
-using idxbase::detail::FlagOf;
 
 // The value of the switch that `accessor` reads at every call.
 template <auto accessor>
 idxbase::detail::FlagValue ReadNow() {
-  static constexpr const idxbase::detail::DevFlag& kFlag = FlagOf(accessor);
-  return EvaluateFlag(kFlag, KORGetEnv);
+  constexpr std::size_t kIndex = idxbase::detail::FlagIndexOf(accessor);
+  static_assert(kIndex < std::size(idxbase::detail::kDevFlags), "an accessor without its row");
+  return EvaluateFlag(idxbase::detail::kDevFlags[kIndex], KORGetEnv);
 }
 
 }  // namespace

@@ -33,9 +33,9 @@ class DevFlags : public ::testing::Test {
  protected:
   void TearDown() override { LoadDevFlags(KORGetEnv); }
 
-  // Loads the switches from the assignments `env` ("NAME=value;...") alone,
-  // makes them the process's only switch variables for the accessors that
-  // read at every call, and returns `read()`.
+  // Loads the switches from `assignments` ("NAME=value;...") alone, makes
+  // them the process's only switch variables for the accessors that read
+  // at every call, and returns `read()`.
   static std::string Under(const std::string& assignments, std::string (*read)()) {
     std::map<std::string, std::string> env;
     std::istringstream items(assignments);

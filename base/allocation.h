@@ -11,7 +11,7 @@
 
 namespace idxbase::detail {
 
-// realloc's contract: null `storage` allocates, a null result is failure
+// As realloc: null `storage` allocates, a null result is failure
 // (the old storage is then untouched).
 using Reallocator = void* (*)(void* storage, std::size_t bytes);
 

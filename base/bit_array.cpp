@@ -25,42 +25,42 @@ bool Accepted(std::int32_t lengthInBits) {
 
 PLMIdxBitArray::PLMIdxBitArray(int lengthInBits) {
   if (!Accepted(lengthInBits)) return;
-  lengthInBits_ = lengthInBits;
-  lengthInBytes_ = static_cast<std::int32_t>(RowBytes(lengthInBits));
-  totalBytes_ = static_cast<std::int32_t>(kRows) * lengthInBytes_;
+  m_LengthInBits = lengthInBits;
+  m_LengthInBytes = static_cast<std::int32_t>(RowBytes(lengthInBits));
+  m_TotalBytes = static_cast<std::int32_t>(kRows) * m_LengthInBytes;
   for (unsigned int row = 0; row < ROW_COUNT; ++row) {
-    rowOffsets_[row] = static_cast<std::int32_t>(row) * lengthInBytes_;
+    m_RowOffsets[row] = static_cast<std::int32_t>(row) * m_LengthInBytes;
   }
-  storage_ = static_cast<unsigned char*>(std::malloc(static_cast<std::size_t>(totalBytes_)));
-  if (storage_ != nullptr) std::memset(storage_, 0xFF, static_cast<std::size_t>(totalBytes_));
+  m_Storage = static_cast<unsigned char*>(std::malloc(static_cast<std::size_t>(m_TotalBytes)));
+  if (m_Storage != nullptr) std::memset(m_Storage, 0xFF, static_cast<std::size_t>(m_TotalBytes));
 }
 
 PLMIdxBitArray::~PLMIdxBitArray() {
-  std::free(storage_);
-  storage_ = nullptr;
-  lengthInBits_ = 0;
-  lengthInBytes_ = 0;
+  std::free(m_Storage);
+  m_Storage = nullptr;
+  m_LengthInBits = 0;
+  m_LengthInBytes = 0;
 }
 
 KORStatus PLMIdxBitArray::GetBitValue(unsigned int row, unsigned int bit, bool& value) {
   if (!Holds(row, bit)) return KOR_E_FAIL;
-  const unsigned char byte = storage_[rowOffsets_[row] + GetByteIndex(bit)];
+  const unsigned char byte = m_Storage[m_RowOffsets[row] + GetByteIndex(bit)];
   value = ((byte >> GetBitIndexInByte(bit)) & 1u) != 0;
   return KOR_S_OK;
 }
 
 KORStatus PLMIdxBitArray::SetBitValue(unsigned int row, unsigned int bit, bool value) {
   if (!Holds(row, bit)) return KOR_E_FAIL;
-  unsigned char& byte = storage_[rowOffsets_[row] + GetByteIndex(bit)];
+  unsigned char& byte = m_Storage[m_RowOffsets[row] + GetByteIndex(bit)];
   const auto mask = static_cast<unsigned char>(1u << GetBitIndexInByte(bit));
   byte = static_cast<unsigned char>(value ? byte | mask : byte & ~mask);
   return KOR_S_OK;
 }
 
 void* PLMIdxBitArray::GetBitArray(unsigned int row) {
-  return storage_ == nullptr ? nullptr : storage_ + rowOffsets_[row];
+  return m_Storage == nullptr ? nullptr : m_Storage + m_RowOffsets[row];
 }
 
-int PLMIdxBitArray::GetLengthInBits() const { return lengthInBits_; }
+int PLMIdxBitArray::GetLengthInBits() const { return m_LengthInBits; }
 
-int PLMIdxBitArray::GetLengthInBytes() const { return lengthInBytes_; }
+int PLMIdxBitArray::GetLengthInBytes() const { return m_LengthInBytes; }

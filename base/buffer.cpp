@@ -51,56 +51,57 @@ void Refer(IDX_Base_BufferRep& rep, const unsigned char* data, unsigned int size
 
 }  // namespace
 
-IDX_Base_Buffer::IDX_Base_Buffer(const IDX_Base_Buffer& other) : rep_(Record::Share(other.rep_)) {}
+IDX_Base_Buffer::IDX_Base_Buffer(const IDX_Base_Buffer& other)
+    : m_Rep(Record::Share(other.m_Rep)) {}
 
 IDX_Base_Buffer& IDX_Base_Buffer::operator=(const IDX_Base_Buffer& other) {
-  Record::Assign(rep_, other.rep_);
+  Record::Assign(m_Rep, other.m_Rep);
   return *this;
 }
 
-IDX_Base_Buffer::~IDX_Base_Buffer() { Record::Release(rep_); }
+IDX_Base_Buffer::~IDX_Base_Buffer() { Record::Release(m_Rep); }
 
 void IDX_Base_Buffer::SetData(const unsigned char* data, unsigned int size, IDX_Bool copy) {
-  if (rep_ != nullptr && rep_->data == data && rep_->size == size) return;
+  if (m_Rep != nullptr && m_Rep->data == data && m_Rep->size == size) return;
   if (copy == IDX_True) {
-    WriteOwned(rep_, [&](IDX_Base_BufferRep& own) { Record::Fill(own, data, size); });
+    WriteOwned(m_Rep, [&](IDX_Base_BufferRep& own) { Record::Fill(own, data, size); });
   } else {
-    Refer(Record::Detach(rep_), data, size);
+    Refer(Record::Detach(m_Rep), data, size);
   }
 }
 
 const unsigned char* IDX_Base_Buffer::GetData() const {
-  return rep_ == nullptr ? nullptr : rep_->data;
+  return m_Rep == nullptr ? nullptr : m_Rep->data;
 }
 
-unsigned int IDX_Base_Buffer::GetSize() const { return rep_ == nullptr ? 0 : rep_->size; }
+unsigned int IDX_Base_Buffer::GetSize() const { return m_Rep == nullptr ? 0 : m_Rep->size; }
 
 unsigned char* IDX_Base_Buffer::GetDataForWriting() {
   MakeUnique();
-  return rep_ == nullptr ? nullptr : rep_->data;
+  return m_Rep == nullptr ? nullptr : m_Rep->data;
 }
 
 // Always a new record, so the result is private and owned even when the
 // size does not change.
 void IDX_Base_Buffer::Resize(unsigned int size) {
-  if (rep_ == nullptr) {
+  if (m_Rep == nullptr) {
     Allocate(size);
     return;
   }
   auto* resized = new IDX_Base_BufferRep();
   Record::FillZero(*resized, size);
-  const unsigned int kept = std::min(resized->size, rep_->size);
-  if (kept != 0) std::memcpy(resized->data, rep_->data, kept);
-  Record::Release(rep_);
-  rep_ = resized;
+  const unsigned int kept = std::min(resized->size, m_Rep->size);
+  if (kept != 0) std::memcpy(resized->data, m_Rep->data, kept);
+  Record::Release(m_Rep);
+  m_Rep = resized;
 }
 
-void IDX_Base_Buffer::FreeImpl() { Record::Release(rep_); }
+void IDX_Base_Buffer::FreeImpl() { Record::Release(m_Rep); }
 
 void IDX_Base_Buffer::Allocate(unsigned int size) {
-  WriteOwned(rep_, [size](IDX_Base_BufferRep& own) { Record::FillZero(own, size); });
+  WriteOwned(m_Rep, [size](IDX_Base_BufferRep& own) { Record::FillZero(own, size); });
 }
 
 void IDX_Base_Buffer::MakeUnique() {
-  if (rep_ != nullptr && (rep_->refCount != 1 || rep_->ownsData != 1)) Resize(rep_->size);
+  if (m_Rep != nullptr && (m_Rep->refCount != 1 || m_Rep->ownsData != 1)) Resize(m_Rep->size);
 }

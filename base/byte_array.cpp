@@ -24,18 +24,18 @@ bool IsPrintable(unsigned char byte) {
 }  // namespace
 
 IDX_Base_ByteArray::IDX_Base_ByteArray(const IDX_Base_ByteArray& other)
-    : rep_(Record::Share(other.rep_)) {}
+    : m_Rep(Record::Share(other.m_Rep)) {}
 
 IDX_Base_ByteArray& IDX_Base_ByteArray::operator=(const IDX_Base_ByteArray& other) {
-  Record::Assign(rep_, other.rep_);
+  Record::Assign(m_Rep, other.m_Rep);
   return *this;
 }
 
-IDX_Base_ByteArray::~IDX_Base_ByteArray() { Record::Release(rep_); }
+IDX_Base_ByteArray::~IDX_Base_ByteArray() { Record::Release(m_Rep); }
 
 void IDX_Base_ByteArray::SetData(const unsigned char* data, unsigned int size) {
-  if (rep_ != nullptr && rep_->data == data && rep_->size == size) return;
-  IDX_Base_ByteArrayRep& own = Record::Detach(rep_);
+  if (m_Rep != nullptr && m_Rep->data == data && m_Rep->size == size) return;
+  IDX_Base_ByteArrayRep& own = Record::Detach(m_Rep);
   own.hashKey = 0;
   Record::Fill(own, data, size);
 }
@@ -43,35 +43,35 @@ void IDX_Base_ByteArray::SetData(const unsigned char* data, unsigned int size) {
 void IDX_Base_ByteArray::Clear() { SetData(nullptr, 0); }
 
 const unsigned char* IDX_Base_ByteArray::GetData() const {
-  return rep_ == nullptr ? nullptr : rep_->data;
+  return m_Rep == nullptr ? nullptr : m_Rep->data;
 }
 
-unsigned int IDX_Base_ByteArray::GetSize() const { return rep_ == nullptr ? 0 : rep_->size; }
+unsigned int IDX_Base_ByteArray::GetSize() const { return m_Rep == nullptr ? 0 : m_Rep->size; }
 
 // A zero key is not remembered: it is computed again at the next call.
 unsigned int IDX_Base_ByteArray::GetHashKey() const {
-  if (rep_ == nullptr) return 0;
-  if (rep_->hashKey == 0 && HasBytes(rep_)) {
-    rep_->hashKey = idxbase::detail::XorFoldHashKey(rep_->data, rep_->size);
+  if (m_Rep == nullptr) return 0;
+  if (m_Rep->hashKey == 0 && HasBytes(m_Rep)) {
+    m_Rep->hashKey = idxbase::detail::XorFoldHashKey(m_Rep->data, m_Rep->size);
   }
-  return rep_->hashKey;
+  return m_Rep->hashKey;
 }
 
 IDX_Bool IDX_Base_ByteArray::SortCompare(const IDX_Base_ByteArray& other, short& result) const {
   result = 0;
-  if (rep_ == nullptr) {
+  if (m_Rep == nullptr) {
     IDX_Base_Trace::Debug("IDX_Base_ByteArray.SortCompare.InvalidArray");
     return IDX_False;
   }
-  if (rep_ == other.rep_) return IDX_True;
-  result = idxbase::detail::CompareRuns(rep_->data, rep_->size, other.GetData(), other.GetSize());
+  if (m_Rep == other.m_Rep) return IDX_True;
+  result = idxbase::detail::CompareRuns(m_Rep->data, m_Rep->size, other.GetData(), other.GetSize());
   return IDX_True;
 }
 
 void IDX_Base_ByteArray::DumpAsHexa(char*& text) const {
-  if (!HasBytes(rep_)) return;
-  text = new char[2 * std::size_t{rep_->size} + 1];
-  idxbase::detail::WriteHexa(rep_->data, rep_->size, text);
+  if (!HasBytes(m_Rep)) return;
+  text = new char[2 * std::size_t{m_Rep->size} + 1];
+  idxbase::detail::WriteHexa(m_Rep->data, m_Rep->size, text);
 }
 
 void IDX_Base_ByteArray::DumpAsHexa() const {
@@ -83,10 +83,10 @@ void IDX_Base_ByteArray::DumpAsHexa() const {
 }
 
 void IDX_Base_ByteArray::DumpPrintable() const {
-  if (!HasBytes(rep_)) return;
+  if (!HasBytes(m_Rep)) return;
   std::string line = "[";
-  for (unsigned int i = 0; i < rep_->size; ++i) {
-    line += IsPrintable(rep_->data[i]) ? static_cast<char>(rep_->data[i]) : '.';
+  for (unsigned int i = 0; i < m_Rep->size; ++i) {
+    line += IsPrintable(m_Rep->data[i]) ? static_cast<char>(m_Rep->data[i]) : '.';
   }
   line += "]";
   std::fputs(line.c_str(), stdout);

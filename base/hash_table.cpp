@@ -3,13 +3,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/allocation.h"
 #include "base/hash_table_internal.h"
 #include "base/integer_mix.h"
 #include "idxbase/trace.h"
 
 namespace idxbase::detail {
-
-HashTableAllocator hashTableAllocate = [](std::size_t bytes) { return std::malloc(bytes); };
 
 // The smallest power of two not below the half, by smearing the highest
 // set bit of half - 1 into every lower bit.
@@ -30,7 +29,7 @@ std::int32_t HashTableBucketCount(int requestedSize) {
 namespace {
 
 using Node = BBDVerySimpleHashTable::LinkedListElem;
-using idxbase::detail::hashTableAllocate;
+using idxbase::detail::Allocate;
 
 // The value bytes start right after the header, which keeps them aligned
 // for a pointer.
@@ -62,7 +61,7 @@ Node* FindInChain(Node* node, int key) {
 // A node for `key` in front of `next`, with uninitialised value bytes; null
 // when memory runs out.
 Node* NewNode(int key, Node* next, std::int32_t valueBytes) {
-  void* block = hashTableAllocate(sizeof(Node) + static_cast<std::size_t>(valueBytes));
+  void* block = Allocate(sizeof(Node) + static_cast<std::size_t>(valueBytes));
   if (block == nullptr) return nullptr;
   Node* node = static_cast<Node*>(block);
   node->key = key;
@@ -73,7 +72,7 @@ Node* NewNode(int key, Node* next, std::int32_t valueBytes) {
 // `count` empty chain heads; null when memory runs out.
 Node** NewBuckets(std::int32_t count) {
   const std::size_t bytes = static_cast<std::size_t>(count) * sizeof(Node*);
-  void* block = hashTableAllocate(bytes);
+  void* block = Allocate(bytes);
   if (block != nullptr) std::memset(block, 0, bytes);
   return static_cast<Node**>(block);
 }
@@ -129,65 +128,65 @@ std::int32_t FirstChainFrom(Node* const* buckets, std::int32_t count, std::int32
 }  // namespace
 
 BBDVerySimpleHashTable::BBDVerySimpleHashTable(int requestedSize, int elementSize)
-    : bucketCount_(idxbase::detail::HashTableBucketCount(requestedSize)),
-      elementSize_(elementSize < 0 ? 0 : elementSize),
-      buckets_(NewBuckets(bucketCount_)) {
-  if (buckets_ != nullptr) return;
+    : m_BucketCount(idxbase::detail::HashTableBucketCount(requestedSize)),
+      m_ElementSize(elementSize < 0 ? 0 : elementSize),
+      m_Buckets(NewBuckets(m_BucketCount)) {
+  if (m_Buckets != nullptr) return;
   IDX_Base_Trace::Debug("BBDVerySimpleHashTable: no memory for %d buckets; the table stays empty",
-                        bucketCount_);
-  bucketCount_ = 0;
+                        m_BucketCount);
+  m_BucketCount = 0;
 }
 
 // A table without buckets (its own allocation failed) copies as one.
 BBDVerySimpleHashTable::BBDVerySimpleHashTable(const BBDVerySimpleHashTable& other)
-    : bucketCount_(other.bucketCount_),
-      elementSize_(other.elementSize_),
-      buckets_(other.buckets_ == nullptr
-                   ? nullptr
-                   : CopyBuckets(other.buckets_, other.bucketCount_, other.elementSize_)) {
-  if (buckets_ != nullptr || other.buckets_ == nullptr) return;
+    : m_BucketCount(other.m_BucketCount),
+      m_ElementSize(other.m_ElementSize),
+      m_Buckets(other.m_Buckets == nullptr
+                    ? nullptr
+                    : CopyBuckets(other.m_Buckets, other.m_BucketCount, other.m_ElementSize)) {
+  if (m_Buckets != nullptr || other.m_Buckets == nullptr) return;
   IDX_Base_Trace::Debug("BBDVerySimpleHashTable: no memory to copy the table; the copy is empty");
-  bucketCount_ = 0;
+  m_BucketCount = 0;
 }
 
 BBDVerySimpleHashTable& BBDVerySimpleHashTable::operator=(const BBDVerySimpleHashTable& other) {
   if (this == &other) return *this;
   Node** copy = nullptr;
-  if (other.buckets_ != nullptr) {
-    copy = CopyBuckets(other.buckets_, other.bucketCount_, other.elementSize_);
+  if (other.m_Buckets != nullptr) {
+    copy = CopyBuckets(other.m_Buckets, other.m_BucketCount, other.m_ElementSize);
     if (copy == nullptr) {
       IDX_Base_Trace::Debug(
           "BBDVerySimpleHashTable: no memory to copy the table; the target is unchanged");
       return *this;
     }
   }
-  FreeBuckets(buckets_, bucketCount_);
-  bucketCount_ = other.bucketCount_;
-  elementSize_ = other.elementSize_;
-  buckets_ = copy;
+  FreeBuckets(m_Buckets, m_BucketCount);
+  m_BucketCount = other.m_BucketCount;
+  m_ElementSize = other.m_ElementSize;
+  m_Buckets = copy;
   return *this;
 }
 
-BBDVerySimpleHashTable::~BBDVerySimpleHashTable() { FreeBuckets(buckets_, bucketCount_); }
+BBDVerySimpleHashTable::~BBDVerySimpleHashTable() { FreeBuckets(m_Buckets, m_BucketCount); }
 
 // Straight to the chain, without the creation branch of GetElemFromKey:
 // a lookup makes no call.
 void* BBDVerySimpleHashTable::GetElem(int key) {
-  if (buckets_ == nullptr) return nullptr;
-  LinkedListElem* node = FindInChain(HeadOf(buckets_, bucketCount_, key), key);
+  if (m_Buckets == nullptr) return nullptr;
+  LinkedListElem* node = FindInChain(HeadOf(m_Buckets, m_BucketCount, key), key);
   return node == nullptr ? nullptr : ValueOf(node);
 }
 
 BBDVerySimpleHashTable::LinkedListElem* BBDVerySimpleHashTable::GetElemFromKey(int key,
                                                                                bool create) {
-  if (buckets_ == nullptr) {
+  if (m_Buckets == nullptr) {
     if (create) IDX_Base_Trace::Debug("BBDVerySimpleHashTable: no buckets; key %d not stored", key);
     return nullptr;
   }
-  LinkedListElem*& head = HeadOf(buckets_, bucketCount_, key);
+  LinkedListElem*& head = HeadOf(m_Buckets, m_BucketCount, key);
   LinkedListElem* node = FindInChain(head, key);
   if (node != nullptr || !create) return node;
-  node = NewNode(key, head, elementSize_);
+  node = NewNode(key, head, m_ElementSize);
   if (node == nullptr) {
     IDX_Base_Trace::Debug("BBDVerySimpleHashTable: no memory for a node; key %d not stored", key);
     return nullptr;
@@ -198,16 +197,16 @@ BBDVerySimpleHashTable::LinkedListElem* BBDVerySimpleHashTable::GetElemFromKey(i
 
 void BBDVerySimpleHashTable::PutElem(int key, const void* value) {
   LinkedListElem* node = GetElemFromKey(key, true);
-  if (node != nullptr && elementSize_ != 0) {
-    std::memcpy(ValueOf(node), value, static_cast<std::size_t>(elementSize_));
+  if (node != nullptr && m_ElementSize != 0) {
+    std::memcpy(ValueOf(node), value, static_cast<std::size_t>(m_ElementSize));
   }
 }
 
 // Walks the links that point at each node, so that the match's link can be
 // redirected to its successor.
 void BBDVerySimpleHashTable::RemoveElem(int key) {
-  if (buckets_ == nullptr) return;
-  for (LinkedListElem** link = &HeadOf(buckets_, bucketCount_, key); *link != nullptr;
+  if (m_Buckets == nullptr) return;
+  for (LinkedListElem** link = &HeadOf(m_Buckets, m_BucketCount, key); *link != nullptr;
        link = &(*link)->next) {
     LinkedListElem* node = *link;
     if (node->key == key) {
@@ -219,9 +218,9 @@ void BBDVerySimpleHashTable::RemoveElem(int key) {
 }
 
 void BBDVerySimpleHashTable::Empty() {
-  for (std::int32_t i = 0; i < bucketCount_; ++i) {
-    FreeChain(buckets_[i]);
-    buckets_[i] = nullptr;
+  for (std::int32_t i = 0; i < m_BucketCount; ++i) {
+    FreeChain(m_Buckets[i]);
+    m_Buckets[i] = nullptr;
   }
 }
 
@@ -231,10 +230,10 @@ BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator BBDVerySimpleHashTable::G
 
 BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::BBDVerySimpleHashTableIterator(
     BBDVerySimpleHashTable& table)
-    : table_(&table),
-      current_(nullptr),
-      bucket_(FirstChainFrom(table.buckets_, table.bucketCount_, 0)) {
-  if (bucket_ < table.bucketCount_) current_ = table.buckets_[bucket_];
+    : m_Table(&table),
+      m_Current(nullptr),
+      m_Bucket(FirstChainFrom(table.m_Buckets, table.m_BucketCount, 0)) {
+  if (m_Bucket < table.m_BucketCount) m_Current = table.m_Buckets[m_Bucket];
 }
 
 BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::BBDVerySimpleHashTableIterator(
@@ -247,26 +246,26 @@ BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::operator=(
 BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::~BBDVerySimpleHashTableIterator() = default;
 
 bool BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::IsFinished() {
-  return bucket_ == table_->bucketCount_ || current_ == nullptr;
+  return m_Bucket == m_Table->m_BucketCount || m_Current == nullptr;
 }
 
 KORStatus BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::Next() {
-  if (current_->next != nullptr) {
-    current_ = current_->next;
+  if (m_Current->next != nullptr) {
+    m_Current = m_Current->next;
     return KOR_S_OK;
   }
-  bucket_ = FirstChainFrom(table_->buckets_, table_->bucketCount_, bucket_ + 1);
-  if (bucket_ == table_->bucketCount_) {
-    current_ = nullptr;
+  m_Bucket = FirstChainFrom(m_Table->m_Buckets, m_Table->m_BucketCount, m_Bucket + 1);
+  if (m_Bucket == m_Table->m_BucketCount) {
+    m_Current = nullptr;
     return KOR_S_FALSE;
   }
-  current_ = table_->buckets_[bucket_];
+  m_Current = m_Table->m_Buckets[m_Bucket];
   return KOR_S_OK;
 }
 
 KORStatus BBDVerySimpleHashTable::BBDVerySimpleHashTableIterator::GetElem(int& key,
                                                                           const void*& value) {
-  key = current_->key;
-  value = ValueOf(current_);
+  key = m_Current->key;
+  value = ValueOf(m_Current);
   return KOR_S_OK;
 }

@@ -2,7 +2,6 @@
 #ifndef IDXBASE_BASE_HASH_TABLE_INTERNAL_H_
 #define IDXBASE_BASE_HASH_TABLE_INTERNAL_H_
 
-#include <cstddef>
 #include <cstdint>
 
 namespace idxbase::detail {
@@ -11,12 +10,6 @@ namespace idxbase::detail {
 // smallest power of two not below requestedSize / 2, where sizes whose
 // half is 0 count as 10 and negative sizes as 0. Always 1 to 2^30.
 std::int32_t HashTableBucketCount(int requestedSize);
-
-// The allocation function of bucket arrays and nodes. It is std::malloc;
-// tests replace it to make allocations fail. Blocks are released with
-// std::free.
-using HashTableAllocator = void* (*)(std::size_t bytes);
-extern HashTableAllocator hashTableAllocate;
 
 }  // namespace idxbase::detail
 

@@ -4,8 +4,9 @@
 // A handle holds a pointer to a record, or null while it is empty. Copies
 // share the record and count it; a write first detaches the handle onto a
 // record of its own; the last share releases the bytes and the record.
-// Owned bytes are allocated to exactly the size asked for with realloc and
-// released with free; the records themselves are created with new.
+// Owned bytes are allocated to exactly the size asked for through
+// Reallocate (allocation.h) and released with free; the records themselves
+// are created with new.
 #ifndef IDXBASE_BASE_SHARED_RECORD_H_
 #define IDXBASE_BASE_SHARED_RECORD_H_
 
@@ -14,6 +15,7 @@
 #include <cstring>
 #include <type_traits>
 
+#include "base/allocation.h"
 #include "idxbase/byte_runs.h"
 
 namespace idxbase::detail {
@@ -112,7 +114,7 @@ class SharedRecord {
   // (data null, capacity and size 0), and the result is false.
   [[nodiscard]] static bool Reserve(Rep& rep, std::uint32_t count) {
     if (count <= rep.capacity) return true;
-    void* grown = std::realloc(rep.data, count);
+    void* grown = Reallocate(rep.data, count);
     if (grown == nullptr) {
       std::free(rep.data);
       rep.data = nullptr;

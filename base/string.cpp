@@ -16,34 +16,35 @@ const unsigned char* Bytes(const char* text) {
 
 }  // namespace
 
-IDX_Base_String::IDX_Base_String(const IDX_Base_String& other) : rep_(Record::Share(other.rep_)) {}
+IDX_Base_String::IDX_Base_String(const IDX_Base_String& other)
+    : m_Rep(Record::Share(other.m_Rep)) {}
 
 IDX_Base_String& IDX_Base_String::operator=(const IDX_Base_String& other) {
-  Record::Assign(rep_, other.rep_);
+  Record::Assign(m_Rep, other.m_Rep);
   return *this;
 }
 
-IDX_Base_String::~IDX_Base_String() { Record::Release(rep_); }
+IDX_Base_String::~IDX_Base_String() { Record::Release(m_Rep); }
 
 void IDX_Base_String::SetData(const char* text, unsigned int length) {
-  if (rep_ != nullptr && rep_->data == text && rep_->size == length) return;
-  Record::Fill(Record::Detach(rep_), text, length);
+  if (m_Rep != nullptr && m_Rep->data == text && m_Rep->size == length) return;
+  Record::Fill(Record::Detach(m_Rep), text, length);
 }
 
 void IDX_Base_String::Clear() { SetData(nullptr, 0); }
 
-const char* IDX_Base_String::GetData() const { return rep_ == nullptr ? nullptr : rep_->data; }
+const char* IDX_Base_String::GetData() const { return m_Rep == nullptr ? nullptr : m_Rep->data; }
 
-unsigned int IDX_Base_String::GetLength() const { return rep_ == nullptr ? 0 : rep_->size; }
+unsigned int IDX_Base_String::GetLength() const { return m_Rep == nullptr ? 0 : m_Rep->size; }
 
 IDX_Bool IDX_Base_String::SortCompare(const IDX_Base_String& other, short& result) const {
   result = 0;
-  if (rep_ == nullptr) {
+  if (m_Rep == nullptr) {
     IDX_Base_Trace::Debug("IDX_Base_String.SortCompare.InvalidString");
     return IDX_False;
   }
-  if (rep_ == other.rep_) return IDX_True;
-  result = idxbase::detail::CompareRuns(Bytes(rep_->data), rep_->size, Bytes(other.GetData()),
+  if (m_Rep == other.m_Rep) return IDX_True;
+  result = idxbase::detail::CompareRuns(Bytes(m_Rep->data), m_Rep->size, Bytes(other.GetData()),
                                         other.GetLength());
   return IDX_True;
 }
@@ -55,7 +56,7 @@ bool IDX_Base_String::operator!=(const IDX_Base_String& other) const {
 
 // The characters are not zero-terminated; a terminated copy is printed.
 void IDX_Base_String::Dump() const {
-  if (rep_ == nullptr || rep_->data == nullptr || rep_->size == 0) return;
-  const std::string text(rep_->data, rep_->size);
+  if (m_Rep == nullptr || m_Rep->data == nullptr || m_Rep->size == 0) return;
+  const std::string text(m_Rep->data, m_Rep->size);
   std::printf("%s", text.c_str());
 }

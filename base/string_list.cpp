@@ -27,45 +27,45 @@ void DeleteHandles(KORRawCollPV& elements) {
 KORListValIDX_Base_String::KORListValIDX_Base_String() = default;
 
 KORListValIDX_Base_String::KORListValIDX_Base_String(int initialCapacity)
-    : elements_(initialCapacity) {}
+    : m_Elements(initialCapacity) {}
 
 KORListValIDX_Base_String::KORListValIDX_Base_String(int initialCapacity, int /*unused*/)
-    : elements_(initialCapacity) {}
+    : m_Elements(initialCapacity) {}
 
 // Delegation makes the list complete before the handles are appended, so
 // the destructor deletes them if an allocation fails on the way.
 KORListValIDX_Base_String::KORListValIDX_Base_String(const KORListValIDX_Base_String& other)
     : KORListValIDX_Base_String(other.Size()) {
-  AppendAll(elements_, other.elements_);
+  AppendAll(m_Elements, other.m_Elements);
 }
 
 KORListValIDX_Base_String& KORListValIDX_Base_String::operator=(
     const KORListValIDX_Base_String& other) {
   if (this == &other) return *this;
   RemoveAll(KORCollec::KeepMemory);
-  AppendAll(elements_, other.elements_);
+  AppendAll(m_Elements, other.m_Elements);
   return *this;
 }
 
-KORListValIDX_Base_String::~KORListValIDX_Base_String() { DeleteHandles(elements_); }
+KORListValIDX_Base_String::~KORListValIDX_Base_String() { DeleteHandles(m_Elements); }
 
 void KORListValIDX_Base_String::Append(const IDX_Base_String& text) {
-  AppendHandle(elements_, text);
+  AppendHandle(m_Elements, text);
 }
 
 IDX_Base_String& KORListValIDX_Base_String::operator[](int position) {
-  return *At(elements_, position);
+  return *At(m_Elements, position);
 }
 
 const IDX_Base_String& KORListValIDX_Base_String::operator[](int position) const {
-  return *At(elements_, position);
+  return *At(m_Elements, position);
 }
 
-int KORListValIDX_Base_String::Size() const { return elements_.Size(); }
+int KORListValIDX_Base_String::Size() const { return m_Elements.Size(); }
 
 void KORListValIDX_Base_String::RemoveAll(KORCollec::MemoryHandling mode) {
-  DeleteHandles(elements_);
-  elements_.RemoveAll(mode);
+  DeleteHandles(m_Elements);
+  m_Elements.RemoveAll(mode);
 }
 
 int KORListValIDX_Base_String::operator==(const KORListValIDX_Base_String& other) const {

@@ -16,40 +16,44 @@ char* Allocate(unsigned long long bytes) { return static_cast<char*>(std::malloc
 
 }  // namespace
 
-BBDUTF8String::BBDUTF8String() { ConvertToUTF8(KORUnicodeString(), buffer_, size_); }
+BBDUTF8String::BBDUTF8String() { ConvertToUTF8(KORUnicodeString(), m_Buffer, m_Size); }
 
-BBDUTF8String::BBDUTF8String(const KORUnicodeString& text) { ConvertToUTF8(text, buffer_, size_); }
+BBDUTF8String::BBDUTF8String(const KORUnicodeString& text) {
+  ConvertToUTF8(text, m_Buffer, m_Size);
+}
 
 // The bytes and a terminating zero; a null source buffer copies as null.
-BBDUTF8String::BBDUTF8String(const BBDUTF8String& other) : size_(other.size_) {
-  if (other.buffer_ == nullptr) return;
-  buffer_ = Allocate(size_ + 1);
-  if (buffer_ == nullptr) return;
-  std::memcpy(buffer_, other.buffer_, size_);
-  buffer_[size_] = '\0';
+BBDUTF8String::BBDUTF8String(const BBDUTF8String& other) : m_Size(other.m_Size) {
+  if (other.m_Buffer == nullptr) return;
+  m_Buffer = Allocate(m_Size + 1);
+  if (m_Buffer == nullptr) return;
+  std::memcpy(m_Buffer, other.m_Buffer, m_Size);
+  m_Buffer[m_Size] = '\0';
 }
 
 BBDUTF8String& BBDUTF8String::operator=(const BBDUTF8String& other) {
   if (this == &other) return *this;
   BBDUTF8String copy(other);
-  std::swap(buffer_, copy.buffer_);
-  std::swap(size_, copy.size_);
+  std::swap(m_Buffer, copy.m_Buffer);
+  std::swap(m_Size, copy.m_Size);
   return *this;
 }
 
 BBDUTF8String::~BBDUTF8String() {
-  std::free(buffer_);
-  buffer_ = nullptr;
-  size_ = 0;
+  std::free(m_Buffer);
+  m_Buffer = nullptr;
+  m_Size = 0;
 }
 
-BBDUTF8String::operator const char*() const { return buffer_; }
+BBDUTF8String::operator const char*() const { return m_Buffer; }
 
-char* BBDUTF8String::GetCharPtr() { return buffer_; }
+char* BBDUTF8String::GetCharPtr() { return m_Buffer; }
 
-unsigned long long BBDUTF8String::GetSize() { return size_; }
+unsigned long long BBDUTF8String::GetSize() { return m_Size; }
 
-void BBDUTF8String::SetString(const KORUnicodeString& text) { ConvertToUTF8(text, buffer_, size_); }
+void BBDUTF8String::SetString(const KORUnicodeString& text) {
+  ConvertToUTF8(text, m_Buffer, m_Size);
+}
 
 void BBDUTF8String::ConvertToUTF8(const KORUnicodeString& text, char*& buffer,
                                   unsigned long long& size) {

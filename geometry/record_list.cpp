@@ -2,12 +2,9 @@
 // reallocation.
 #include "geometry/record_list.h"
 
-#include <cstdlib>
 #include <limits>
 
 namespace idxbase::detail {
-
-void* SystemReallocate(void* storage, std::size_t bytes) { return std::realloc(storage, bytes); }
 
 std::uint32_t GrownListCapacity(std::uint32_t capacity) {
   if (capacity < kListDoublingLimit) return capacity * 2;
@@ -15,9 +12,9 @@ std::uint32_t GrownListCapacity(std::uint32_t capacity) {
   return capacity + kListGrowthStep;
 }
 
-void* ReallocateWithRetries(void* storage, std::size_t bytes, Reallocator reallocate) {
+void* ReallocateWithRetries(void* storage, std::size_t bytes) {
   for (int attempt = 0; attempt < kListGrowthAttempts; ++attempt) {
-    if (void* grown = reallocate(storage, bytes)) return grown;
+    if (void* grown = Reallocate(storage, bytes)) return grown;
   }
   return nullptr;
 }

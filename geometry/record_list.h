@@ -2,8 +2,8 @@
 // IDX_Base_ListOf_Triangle, written once for both.
 //
 // The public lists keep their three fields (storage, capacity, size)
-// themselves; a RecordList is a short-lived view that works on them. The
-// reallocation function is a parameter so that tests can make it fail.
+// themselves; a RecordList is a short-lived view that works on them.
+// Storage comes from Reallocate (allocation.h).
 #ifndef IDXBASE_GEOMETRY_RECORD_LIST_H_
 #define IDXBASE_GEOMETRY_RECORD_LIST_H_
 
@@ -13,16 +13,10 @@
 #include <limits>
 #include <type_traits>
 
+#include "base/allocation.h"
 #include "idxbase/base_types.h"
 
 namespace idxbase::detail {
-
-// realloc's contract: null `storage` allocates, null result is failure
-// (the old storage is then untouched).
-using Reallocator = void* (*)(void* storage, std::size_t bytes);
-
-// std::realloc.
-void* SystemReallocate(void* storage, std::size_t bytes);
 
 // Doubling stops at this capacity (a doubled array would pass 100 MiB of
 // 12-byte records); beyond it each growth adds kListGrowthStep records.
@@ -35,18 +29,17 @@ inline constexpr int kListGrowthAttempts = 11;
 // when the result cannot be counted in 32 bits.
 std::uint32_t GrownListCapacity(std::uint32_t capacity);
 
-// `reallocate(storage, bytes)` tried up to kListGrowthAttempts times in a
+// Reallocate(storage, bytes) tried up to kListGrowthAttempts times in a
 // row; the first success, or null when all fail (`storage` untouched).
-void* ReallocateWithRetries(void* storage, std::size_t bytes, Reallocator reallocate);
+void* ReallocateWithRetries(void* storage, std::size_t bytes);
 
 template <typename Record>
 class RecordList {
   static_assert(std::is_trivially_copyable_v<Record>, "records are moved by realloc");
 
  public:
-  RecordList(Record*& array, std::uint32_t& capacity, std::uint32_t& size,
-             Reallocator reallocate = SystemReallocate)
-      : array_(array), capacity_(capacity), size_(size), reallocate_(reallocate) {}
+  RecordList(Record*& array, std::uint32_t& capacity, std::uint32_t& size)
+      : array_(array), capacity_(capacity), size_(size) {}
 
   // Room for `initialSize` + 1 records and size 0; a failed list
   // (capacity 0, no storage) when the storage cannot be obtained or the
@@ -57,7 +50,7 @@ class RecordList {
     size_ = 0;
     if (initialSize == std::numeric_limits<std::uint32_t>::max()) return;
     const std::uint32_t capacity = initialSize + 1;
-    array_ = static_cast<Record*>(reallocate_(nullptr, Bytes(capacity)));
+    array_ = static_cast<Record*>(Allocate(Bytes(capacity)));
     if (array_ != nullptr) capacity_ = capacity;
   }
 
@@ -84,8 +77,7 @@ class RecordList {
   // list.
   bool Grow() {
     const std::uint32_t capacity = GrownListCapacity(capacity_);
-    void* grown =
-        capacity == 0 ? nullptr : ReallocateWithRetries(array_, Bytes(capacity), reallocate_);
+    void* grown = capacity == 0 ? nullptr : ReallocateWithRetries(array_, Bytes(capacity));
     if (grown == nullptr) {
       Destroy();
       return false;
@@ -98,7 +90,6 @@ class RecordList {
   Record*& array_;
   std::uint32_t& capacity_;
   std::uint32_t& size_;
-  Reallocator reallocate_;
 };
 
 }  // namespace idxbase::detail

@@ -27,37 +27,37 @@ KORListValKORUnicodeString::~KORListValKORUnicodeString() = default;
 // ---- KORRawCollPV ----------------------------------------------------------
 
 KORRawCollPV::KORRawCollPV(int initialCapacity) {
-  if (initialCapacity > 0) elements_.reserve(static_cast<std::size_t>(initialCapacity));
+  if (initialCapacity > 0) m_Elements.reserve(static_cast<std::size_t>(initialCapacity));
 }
 
 void*& KORRawCollPV::operator[](int position) {
-  if (IsValid(position)) return elements_[static_cast<std::size_t>(position - 1)];
-  scratch_ = nullptr;
-  return scratch_;
+  if (IsValid(position)) return m_Elements[static_cast<std::size_t>(position - 1)];
+  m_Scratch = nullptr;
+  return m_Scratch;
 }
 
 int KORRawCollPV::Append(void* element) {
-  elements_.push_back(element);
+  m_Elements.push_back(element);
   return Size();
 }
 
 int KORRawCollPV::InsertAt(int position, void* element) {
   if (position < 1 || position > Size() + 1) return 0;
-  elements_.insert(elements_.begin() + (position - 1), element);
+  m_Elements.insert(m_Elements.begin() + (position - 1), element);
   return position;
 }
 
 int KORRawCollPV::Locate(const void* element, int from) const {
   for (int position = std::max(from, 1); position <= Size(); ++position) {
-    if (elements_[static_cast<std::size_t>(position - 1)] == element) return position;
+    if (m_Elements[static_cast<std::size_t>(position - 1)] == element) return position;
   }
   return 0;
 }
 
 int KORRawCollPV::RemoveValue(const void* element) {
-  const auto kept = std::remove(elements_.begin(), elements_.end(), element);
-  const auto removed = static_cast<int>(elements_.end() - kept);
-  elements_.erase(kept, elements_.end());
+  const auto kept = std::remove(m_Elements.begin(), m_Elements.end(), element);
+  const auto removed = static_cast<int>(m_Elements.end() - kept);
+  m_Elements.erase(kept, m_Elements.end());
   return removed;
 }
 
@@ -65,21 +65,21 @@ int KORRawCollPV::RemovePosition(int position, unsigned int count) {
   if (!IsValid(position)) return 0;
   const auto available = static_cast<unsigned int>(Size() - position + 1);
   const auto removed = static_cast<int>(std::min(count, available));
-  const auto first = elements_.begin() + (position - 1);
-  elements_.erase(first, first + removed);
+  const auto first = m_Elements.begin() + (position - 1);
+  m_Elements.erase(first, first + removed);
   return removed;
 }
 
-int KORRawCollPV::RemoveAll(KORCollec::MemoryHandling mode) { return Clear(elements_, mode); }
+int KORRawCollPV::RemoveAll(KORCollec::MemoryHandling mode) { return Clear(m_Elements, mode); }
 
 int KORRawCollPV::RemoveDuplicates(KORRawCollPV* removed) {
   std::unordered_set<const void*> seen;
   std::vector<void*> kept;
   std::vector<void*> duplicates;
-  for (void* element : elements_) {
+  for (void* element : m_Elements) {
     (seen.insert(element).second ? kept : duplicates).push_back(element);
   }
-  elements_ = std::move(kept);
+  m_Elements = std::move(kept);
   // Appended only now, so that `removed` may be this collection itself.
   if (removed != nullptr) {
     for (void* element : duplicates) removed->Append(element);
@@ -88,7 +88,7 @@ int KORRawCollPV::RemoveDuplicates(KORRawCollPV* removed) {
 }
 
 bool KORRawCollPV::operator==(const KORRawCollPV& other) const {
-  return elements_ == other.elements_;
+  return m_Elements == other.m_Elements;
 }
 
 bool KORRawCollPV::operator!=(const KORRawCollPV& other) const { return !(*this == other); }
@@ -96,32 +96,32 @@ bool KORRawCollPV::operator!=(const KORRawCollPV& other) const { return !(*this 
 // ---- KORListValKORUnicodeString -------------------------------------------
 
 int KORListValKORUnicodeString::Append(const KORUnicodeString& text) {
-  elements_.push_back(text);
+  m_Elements.push_back(text);
   return Size();
 }
 
 KORUnicodeString& KORListValKORUnicodeString::operator[](int position) {
   if (position >= 1 && position <= Size()) {
-    return elements_[static_cast<std::size_t>(position - 1)];
+    return m_Elements[static_cast<std::size_t>(position - 1)];
   }
-  scratch_ = KORUnicodeString();
-  return scratch_;
+  m_Scratch = KORUnicodeString();
+  return m_Scratch;
 }
 
 const KORUnicodeString& KORListValKORUnicodeString::operator[](int position) const {
   static const KORUnicodeString empty;
   if (position >= 1 && position <= Size()) {
-    return elements_[static_cast<std::size_t>(position - 1)];
+    return m_Elements[static_cast<std::size_t>(position - 1)];
   }
   return empty;
 }
 
 int KORListValKORUnicodeString::RemoveAll(KORCollec::MemoryHandling mode) {
-  return Clear(elements_, mode);
+  return Clear(m_Elements, mode);
 }
 
 bool KORListValKORUnicodeString::operator==(const KORListValKORUnicodeString& other) const {
-  return elements_ == other.elements_;
+  return m_Elements == other.m_Elements;
 }
 
 bool KORListValKORUnicodeString::operator!=(const KORListValKORUnicodeString& other) const {

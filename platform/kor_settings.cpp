@@ -62,7 +62,7 @@ std::optional<std::string> ReadSettingsFile(const std::string& name) {
 
 KORSettingRepository::KORSettingRepository(const char* name,
                                            std::map<std::string, std::string> values)
-    : name_(name), values_(std::move(values)) {}
+    : m_Name(name), m_Values(std::move(values)) {}
 
 KORSettingRepository* KORSettingRepository::GetRepository(
     const char* name, int /*scope*/, int /*access*/, KORISysSettingController* /*controller*/) {
@@ -82,8 +82,8 @@ KORSettingRepository* KORSettingRepository::GetRepository(
 
 bool KORSettingRepository::GetValue(const char* key, KORUnicodeString& value) const {
   if (key == nullptr) return false;
-  const auto found = values_.find(key);
-  if (found == values_.end()) return false;
+  const auto found = m_Values.find(key);
+  if (found == m_Values.end()) return false;
   value = found->second.c_str();
   return true;
 }

@@ -13,66 +13,66 @@ bool IsOneOf(char c, const char* set) { return c != '\0' && std::strchr(set, c) 
 }  // namespace
 
 KORUnicodeString::KORUnicodeString(const char* utf8)
-    : text_(idxbase::detail::ToWellFormedUtf8(utf8)) {}
+    : m_Text(idxbase::detail::ToWellFormedUtf8(utf8)) {}
 
 KORUnicodeString& KORUnicodeString::operator=(const char* utf8) {
   // Built aside first: `utf8` may point into this string's own text.
-  text_ = idxbase::detail::ToWellFormedUtf8(utf8);
+  m_Text = idxbase::detail::ToWellFormedUtf8(utf8);
   return *this;
 }
 
 KORUnicodeString& KORUnicodeString::operator+=(const KORUnicodeString& other) {
   // Joining two well-formed texts gives a well-formed text.
-  text_ += other.text_;
+  m_Text += other.m_Text;
   return *this;
 }
 
 KORUnicodeString& KORUnicodeString::operator+=(const char* utf8) {
-  text_ += idxbase::detail::ToWellFormedUtf8(utf8);
+  m_Text += idxbase::detail::ToWellFormedUtf8(utf8);
   return *this;
 }
 
 void KORUnicodeString::Append(const KORUnicodeString& other) { *this += other; }
 
 bool KORUnicodeString::operator==(const KORUnicodeString& other) const {
-  return text_ == other.text_;
+  return m_Text == other.m_Text;
 }
 
 bool KORUnicodeString::operator!=(const KORUnicodeString& other) const { return !(*this == other); }
 
-int KORUnicodeString::GetLengthInChar() const { return idxbase::detail::CountCodePoints(text_); }
+int KORUnicodeString::GetLengthInChar() const { return idxbase::detail::CountCodePoints(m_Text); }
 
 bool KORUnicodeString::BuildFromNum(int value, const char* format) {
-  text_.clear();
+  m_Text.clear();
   const char conversion = idxbase::detail::SingleConversion(format);
   if (IsOneOf(conversion, "dic")) {
-    return idxbase::detail::FormatNumber(format, value, text_);
+    return idxbase::detail::FormatNumber(format, value, m_Text);
   }
   if (IsOneOf(conversion, "ouxX")) {
     // These conversions take an unsigned int: pass the same bits as one.
-    return idxbase::detail::FormatNumber(format, static_cast<unsigned int>(value), text_);
+    return idxbase::detail::FormatNumber(format, static_cast<unsigned int>(value), m_Text);
   }
   return false;
 }
 
 bool KORUnicodeString::BuildFromNum(double value, const char* format) {
-  text_.clear();
+  m_Text.clear();
   const char conversion = idxbase::detail::SingleConversion(format);
   if (!IsOneOf(conversion, "eEfFgGaA")) return false;
-  return idxbase::detail::FormatNumber(format, value, text_);
+  return idxbase::detail::FormatNumber(format, value, m_Text);
 }
 
 void KORUnicodeString::ConvertToUTF8(char* buffer, unsigned long long* size) const {
   if (buffer == nullptr || size == nullptr) return;
   const unsigned long long capacity = *size;
   std::size_t written = 0;
-  while (written < text_.size()) {
+  while (written < m_Text.size()) {
     const std::size_t next =
-        idxbase::detail::Utf8CharacterSize(static_cast<unsigned char>(text_[written]));
+        idxbase::detail::Utf8CharacterSize(static_cast<unsigned char>(m_Text[written]));
     if (written + next > capacity) break;
     written += next;
   }
-  std::memcpy(buffer, text_.data(), written);
+  std::memcpy(buffer, m_Text.data(), written);
   if (written < capacity) buffer[written] = '\0';
   *size = written;
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-// status_ keeps the Status value in its low bits and, beside it, a mark
+// m_Status keeps the Status value in its low bits and, beside it, a mark
 // that the return code was set by Kill and must not be replaced by the
 // body's result (Kill called by the body itself, before it returns).
 constexpr int kStatusMask = 0x3;
@@ -23,60 +23,60 @@ std::uint64_t CurrentThreadId() { return static_cast<std::uint64_t>(syscall(SYS_
 
 KORThreads::KORThreads(const char* name, void* argument, int /*priority*/, int /*stackSize*/,
                        int /*flags*/)
-    : name_(name != nullptr ? name : ""), argument_(argument) {}
+    : m_Name(name != nullptr ? name : ""), m_Argument(argument) {}
 
 KORThreads::KORThreads(const KORThreads& other) {
-  std::lock_guard<std::mutex> lock(other.mutex_);
-  name_ = other.name_;
-  argument_ = other.argument_;
-  function_ = other.function_;
-  functionArgument_ = other.functionArgument_;
+  std::lock_guard<std::mutex> lock(other.m_Mutex);
+  m_Name = other.m_Name;
+  m_Argument = other.m_Argument;
+  m_Function = other.m_Function;
+  m_FunctionArgument = other.m_FunctionArgument;
 }
 
 KORThreads& KORThreads::operator=(const KORThreads& other) {
   if (this != &other) {
-    std::scoped_lock lock(mutex_, other.mutex_);
-    name_ = other.name_;
-    argument_ = other.argument_;
-    function_ = other.function_;
-    functionArgument_ = other.functionArgument_;
+    std::scoped_lock lock(m_Mutex, other.m_Mutex);
+    m_Name = other.m_Name;
+    m_Argument = other.m_Argument;
+    m_Function = other.m_Function;
+    m_FunctionArgument = other.m_FunctionArgument;
   }
   return *this;
 }
 
 KORThreads::~KORThreads() {
   End();
-  if (!thread_.joinable()) return;
+  if (!m_Thread.joinable()) return;
   // A thread object destroyed by its own body cannot wait for itself.
-  if (thread_.get_id() == std::this_thread::get_id()) {
-    thread_.detach();
+  if (m_Thread.get_id() == std::this_thread::get_id()) {
+    m_Thread.detach();
   } else {
-    thread_.join();
+    m_Thread.join();
   }
 }
 
 int KORThreads::Run(void* argument) {
   if (GetStatus() == KORThreadRunning) return -1;
   JoinFinished();
-  std::unique_lock<std::mutex> lock(mutex_);
-  const int previousStatus = status_;
-  const int previousReturnCode = returnCode_;
-  stopRequested_ = false;
-  status_ = KORThreadRunning;
-  returnCode_ = 0;
-  threadId_ = 0;
+  std::unique_lock<std::mutex> lock(m_Mutex);
+  const int previousStatus = m_Status;
+  const int previousReturnCode = m_ReturnCode;
+  m_StopRequested = false;
+  m_Status = KORThreadRunning;
+  m_ReturnCode = 0;
+  m_ThreadId = 0;
   try {
-    // The new thread's first step takes the mutex, so it sees thread_
+    // The new thread's first step takes the mutex, so it sees m_Thread
     // assigned before its body starts.
-    thread_ = std::thread(&KORThreads::RunBody, this, argument != nullptr ? argument : argument_);
+    m_Thread = std::thread(&KORThreads::RunBody, this, argument != nullptr ? argument : m_Argument);
   } catch (const std::system_error&) {
-    status_ = previousStatus;
-    returnCode_ = previousReturnCode;
+    m_Status = previousStatus;
+    m_ReturnCode = previousReturnCode;
     return -1;
   }
   // Wait until the body has recorded its identifier, so that GetThreadId
   // answers as soon as Run has returned.
-  stopChanged_.wait(lock, [this] { return threadId_ != 0; });
+  m_StopChanged.wait(lock, [this] { return m_ThreadId != 0; });
   return 0;
 }
 
@@ -86,112 +86,112 @@ int KORThreads::Begin(void* argument) {
   Function function = nullptr;
   void* functionArgument = nullptr;
   {
-    std::lock_guard<std::mutex> lock(mutex_);
-    function = function_;
-    functionArgument = functionArgument_;
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    function = m_Function;
+    functionArgument = m_FunctionArgument;
   }
   if (function == nullptr) return 0;
   return function(argument != nullptr ? argument : functionArgument);
 }
 
 void KORThreads::SetFunction(Function function, void* argument) {
-  std::lock_guard<std::mutex> lock(mutex_);
-  function_ = function;
-  functionArgument_ = argument;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  m_Function = function;
+  m_FunctionArgument = argument;
 }
 
 void KORThreads::SetFunction(Function function) {
-  std::lock_guard<std::mutex> lock(mutex_);
-  function_ = function;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  m_Function = function;
 }
 
 int KORThreads::Join() {
   {
-    std::lock_guard<std::mutex> lock(mutex_);
-    if (thread_.joinable() && thread_.get_id() == std::this_thread::get_id()) return -1;
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    if (m_Thread.joinable() && m_Thread.get_id() == std::this_thread::get_id()) return -1;
   }
-  if (thread_.joinable()) thread_.join();
-  std::lock_guard<std::mutex> lock(mutex_);
-  return returnCode_;
+  if (m_Thread.joinable()) m_Thread.join();
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_ReturnCode;
 }
 
 void KORThreads::End() {
   {
-    std::lock_guard<std::mutex> lock(mutex_);
-    stopRequested_ = true;
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_StopRequested = true;
   }
-  stopChanged_.notify_all();
+  m_StopChanged.notify_all();
 }
 
 int KORThreads::Kill(int exitCode) {
   bool calledByBody = false;
   {
-    std::lock_guard<std::mutex> lock(mutex_);
-    stopRequested_ = true;
-    calledByBody = thread_.joinable() && thread_.get_id() == std::this_thread::get_id();
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_StopRequested = true;
+    calledByBody = m_Thread.joinable() && m_Thread.get_id() == std::this_thread::get_id();
     if (calledByBody) {
-      returnCode_ = exitCode;
-      status_ |= kKilledMark;
+      m_ReturnCode = exitCode;
+      m_Status |= kKilledMark;
     }
   }
-  stopChanged_.notify_all();
+  m_StopChanged.notify_all();
   if (calledByBody) return 0;
-  if (thread_.joinable()) thread_.join();
-  std::lock_guard<std::mutex> lock(mutex_);
-  if (status_ != KORThreadIdle) returnCode_ = exitCode;
+  if (m_Thread.joinable()) m_Thread.join();
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  if (m_Status != KORThreadIdle) m_ReturnCode = exitCode;
   return 0;
 }
 
 bool KORThreads::IsRunning() const { return GetStatus() == KORThreadRunning; }
 
 int KORThreads::GetStatus() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return status_ & kStatusMask;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Status & kStatusMask;
 }
 
 std::uint64_t KORThreads::GetThreadId() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return threadId_;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_ThreadId;
 }
 
 int KORThreads::GetThreadReturnCode() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return returnCode_;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_ReturnCode;
 }
 
 void KORThreads::EmitTrace(const char* message) const {
   std::string name;
   {
-    std::lock_guard<std::mutex> lock(mutex_);
-    name = name_;
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    name = m_Name;
   }
   std::printf("[%s] %s\n", name.c_str(), message != nullptr ? message : "(null)");
   std::fflush(stdout);
 }
 
 bool KORThreads::KillRequested() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return stopRequested_;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_StopRequested;
 }
 
 bool KORThreads::WaitForKill(unsigned int milliseconds) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  return stopChanged_.wait_for(lock, std::chrono::milliseconds(milliseconds),
-                               [this] { return stopRequested_; });
+  std::unique_lock<std::mutex> lock(m_Mutex);
+  return m_StopChanged.wait_for(lock, std::chrono::milliseconds(milliseconds),
+                                [this] { return m_StopRequested; });
 }
 
 void KORThreads::RunBody(void* argument) {
   {
-    std::lock_guard<std::mutex> lock(mutex_);
-    threadId_ = CurrentThreadId();
+    std::lock_guard<std::mutex> lock(m_Mutex);
+    m_ThreadId = CurrentThreadId();
   }
-  stopChanged_.notify_all();
+  m_StopChanged.notify_all();
   const int result = Begin(argument);
-  std::lock_guard<std::mutex> lock(mutex_);
-  if ((status_ & kKilledMark) == 0) returnCode_ = result;
-  status_ = KORThreadFinished;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  if ((m_Status & kKilledMark) == 0) m_ReturnCode = result;
+  m_Status = KORThreadFinished;
 }
 
 void KORThreads::JoinFinished() {
-  if (thread_.joinable()) thread_.join();
+  if (m_Thread.joinable()) m_Thread.join();
 }

@@ -53,10 +53,10 @@ std::size_t Format(char* buffer, const char* format, const std::tm& fields) {
 
 }  // namespace
 
-KORTime::KORTime() : seconds_(static_cast<std::int64_t>(std::time(nullptr))) {}
+KORTime::KORTime() : m_Seconds(static_cast<std::int64_t>(std::time(nullptr))) {}
 
 KORTime::KORTime(int year, int month, int day, int hour, int minute, int second)
-    : seconds_(kEpoch) {
+    : m_Seconds(kEpoch) {
   // Fields whose conversion to struct tm would overflow are unrepresentable.
   if (year < INT_MIN + kTmYearBase || month == INT_MIN) return;
   std::tm fields{};
@@ -72,22 +72,22 @@ KORTime::KORTime(int year, int month, int day, int hour, int minute, int second)
   fields.tm_wday = -1;
   const std::time_t result = std::mktime(&fields);
   if (fields.tm_wday < 0) return;
-  seconds_ = static_cast<std::int64_t>(result);
+  m_Seconds = static_cast<std::int64_t>(result);
 }
 
 KORTime KORTime::FromEpochSeconds(std::int64_t seconds) { return KORTime(seconds); }
 
-int KORTime::GetYear(KORTz tz) const { return Fields(seconds_, tz).tm_year + kTmYearBase; }
-int KORTime::GetMonth(KORTz tz) const { return Fields(seconds_, tz).tm_mon + 1; }
-int KORTime::GetDay(KORTz tz) const { return Fields(seconds_, tz).tm_mday; }
-int KORTime::GetDayOfYear(KORTz tz) const { return Fields(seconds_, tz).tm_yday + 1; }
-int KORTime::GetHour(KORTz tz) const { return Fields(seconds_, tz).tm_hour; }
-int KORTime::GetMinute(KORTz tz) const { return Fields(seconds_, tz).tm_min; }
-int KORTime::GetSecond(KORTz tz) const { return Fields(seconds_, tz).tm_sec; }
+int KORTime::GetYear(KORTz tz) const { return Fields(m_Seconds, tz).tm_year + kTmYearBase; }
+int KORTime::GetMonth(KORTz tz) const { return Fields(m_Seconds, tz).tm_mon + 1; }
+int KORTime::GetDay(KORTz tz) const { return Fields(m_Seconds, tz).tm_mday; }
+int KORTime::GetDayOfYear(KORTz tz) const { return Fields(m_Seconds, tz).tm_yday + 1; }
+int KORTime::GetHour(KORTz tz) const { return Fields(m_Seconds, tz).tm_hour; }
+int KORTime::GetMinute(KORTz tz) const { return Fields(m_Seconds, tz).tm_min; }
+int KORTime::GetSecond(KORTz tz) const { return Fields(m_Seconds, tz).tm_sec; }
 
 KORUnicodeString KORTime::ConvertToString(const char* strftimeFormat, KORTz tz) const {
   if (strftimeFormat == nullptr) return KORUnicodeString();
-  const std::tm fields = Fields(seconds_, tz);
+  const std::tm fields = Fields(m_Seconds, tz);
   char buffer[kFormatCapacity];
   // strftime gives 0, leaving the buffer content undefined, when the result
   // does not fit.

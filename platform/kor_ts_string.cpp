@@ -8,38 +8,38 @@
 // take both together with std::scoped_lock, which avoids deadlock. An
 // operation of an object with itself takes its mutex once.
 
-KORSysTSUnicodeString::KORSysTSUnicodeString(const char* utf8) : text_(utf8) {}
+KORSysTSUnicodeString::KORSysTSUnicodeString(const char* utf8) : m_Text(utf8) {}
 
-KORSysTSUnicodeString::KORSysTSUnicodeString(const KORUnicodeString& text) : text_(text) {}
+KORSysTSUnicodeString::KORSysTSUnicodeString(const KORUnicodeString& text) : m_Text(text) {}
 
 KORSysTSUnicodeString::KORSysTSUnicodeString(const KORSysTSUnicodeString& other)
-    : text_(other.ToUnicodeString()) {}
+    : m_Text(other.ToUnicodeString()) {}
 
 KORSysTSUnicodeString::KORSysTSUnicodeString(KORSysTSUnicodeString&& other) noexcept {
-  std::lock_guard<std::mutex> lock(other.mutex_);
-  text_ = std::move(other.text_);
+  std::lock_guard<std::mutex> lock(other.m_Mutex);
+  m_Text = std::move(other.m_Text);
 }
 
 KORSysTSUnicodeString& KORSysTSUnicodeString::operator=(const KORSysTSUnicodeString& other) {
   if (this != &other) {
-    std::scoped_lock lock(mutex_, other.mutex_);
-    text_ = other.text_;
+    std::scoped_lock lock(m_Mutex, other.m_Mutex);
+    m_Text = other.m_Text;
   }
   return *this;
 }
 
 KORSysTSUnicodeString& KORSysTSUnicodeString::operator=(KORSysTSUnicodeString&& other) noexcept {
   if (this != &other) {
-    std::scoped_lock lock(mutex_, other.mutex_);
-    text_ = std::move(other.text_);
+    std::scoped_lock lock(m_Mutex, other.m_Mutex);
+    m_Text = std::move(other.m_Text);
   }
   return *this;
 }
 
 KORSysTSUnicodeString& KORSysTSUnicodeString::operator=(const char* utf8) {
   KORUnicodeString text(utf8);
-  std::lock_guard<std::mutex> lock(mutex_);
-  text_ = std::move(text);
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  m_Text = std::move(text);
   return *this;
 }
 
@@ -47,15 +47,15 @@ KORSysTSUnicodeString& KORSysTSUnicodeString::operator+=(const KORSysTSUnicodeSt
   // For a += a the copy is taken under the one mutex before it is held
   // again below.
   const KORUnicodeString tail = other.ToUnicodeString();
-  std::lock_guard<std::mutex> lock(mutex_);
-  text_ += tail;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  m_Text += tail;
   return *this;
 }
 
 KORSysTSUnicodeString& KORSysTSUnicodeString::operator+=(const char* utf8) {
   const KORUnicodeString tail(utf8);
-  std::lock_guard<std::mutex> lock(mutex_);
-  text_ += tail;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  m_Text += tail;
   return *this;
 }
 
@@ -63,8 +63,8 @@ void KORSysTSUnicodeString::Append(const KORSysTSUnicodeString& other) { *this +
 
 bool KORSysTSUnicodeString::operator==(const KORSysTSUnicodeString& other) const {
   if (this == &other) return true;
-  std::scoped_lock lock(mutex_, other.mutex_);
-  return text_ == other.text_;
+  std::scoped_lock lock(m_Mutex, other.m_Mutex);
+  return m_Text == other.m_Text;
 }
 
 bool KORSysTSUnicodeString::operator!=(const KORSysTSUnicodeString& other) const {
@@ -72,38 +72,38 @@ bool KORSysTSUnicodeString::operator!=(const KORSysTSUnicodeString& other) const
 }
 
 int KORSysTSUnicodeString::GetLengthInChar() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return text_.GetLengthInChar();
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Text.GetLengthInChar();
 }
 
 const char* KORSysTSUnicodeString::ConvertToChar() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return text_.ConvertToChar();
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Text.ConvertToChar();
 }
 
 const char* KORSysTSUnicodeString::CastToCharPtr() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return text_.CastToCharPtr();
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Text.CastToCharPtr();
 }
 
 bool KORSysTSUnicodeString::BuildFromNum(int value, const char* format) {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return text_.BuildFromNum(value, format);
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Text.BuildFromNum(value, format);
 }
 
 bool KORSysTSUnicodeString::BuildFromNum(double value, const char* format) {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return text_.BuildFromNum(value, format);
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Text.BuildFromNum(value, format);
 }
 
 void KORSysTSUnicodeString::ConvertToUTF8(char* buffer, unsigned long long* size) const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  text_.ConvertToUTF8(buffer, size);
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  m_Text.ConvertToUTF8(buffer, size);
 }
 
 KORUnicodeString KORSysTSUnicodeString::ToUnicodeString() const {
-  std::lock_guard<std::mutex> lock(mutex_);
-  return text_;
+  std::lock_guard<std::mutex> lock(m_Mutex);
+  return m_Text;
 }
 
 KORSysTSUnicodeString operator+(const KORSysTSUnicodeString& left,

@@ -1,53 +1,55 @@
-// The table of the development switches: for each one, the environment
-// variable it reads, the rule by which it reads it, its value when the
-// variable is not defined, and how to get its current value. The loader
-// (dev_flags.cpp) reads the variables named here, and the idxbase tool
-// lists the switches from here, so the two cannot disagree.
+// The development switches of IDX_DEV_LA, one row each: the name that
+// `idxbase flags` shows, the environment variable, the rule by which it is
+// read, the value when it is not defined, and where the value goes (a
+// static member set at load, or the accessor that reads it at every call).
+// The loader (dev_flags.cpp) iterates these rows and the idxbase tool
+// prints them, so adding a switch is adding a row (and its member).
 //
 // Header-only constant data, so that a program linked against the shared
 // library (which hides this internal header's names) can use it too.
 #ifndef IDXBASE_SERVICES_DEV_FLAG_TABLE_H_
 #define IDXBASE_SERVICES_DEV_FLAG_TABLE_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include "idxbase/settings.h"
 
 namespace idxbase::detail {
 
-// How a switch turns its variable into a value (IDX_DEV_LA describes the
-// first four).
+// How a switch turns its variable into a value.
 enum class FlagRule : unsigned char {
-  kSwitch,      // the default when not defined; false for FALSE, NO, 0
-  kDefined,     // true when the variable (or the second one) is defined
-  kUndefined,   // true when the variable is not defined
-  kNumber,      // the default when not defined; otherwise read like atoi
-  kSeconds,     // a number of seconds, held in milliseconds (times 1000)
-  kText,        // the variable's text
-  kGeneration,  // the first variable's number when 1 or more, else the second's
-  kNotNo,       // false when the second variable is defined or the value is "NO"
+  kSwitch,
+  kDefined,
+  kUndefined,
+  kNumber,
+  kSeconds,
+  kText,
+  kGeneration,
+  kNotNo,
 };
 
-constexpr const char* RuleName(FlagRule rule) {
-  switch (rule) {
-    case FlagRule::kSwitch:
-      return "switch";
-    case FlagRule::kDefined:
-      return "defined";
-    case FlagRule::kUndefined:
-      return "undefined";
-    case FlagRule::kNumber:
-      return "number";
-    case FlagRule::kSeconds:
-      return "seconds";
-    case FlagRule::kText:
-      return "text";
-    case FlagRule::kGeneration:
-      return "generation";
-    case FlagRule::kNotNo:
-      return "not-NO";
-  }
-  return "?";
+struct FlagRuleInfo {
+  FlagRule rule;
+  const char* name;
+  const char* meaning;
+};
+
+inline constexpr FlagRuleInfo kFlagRules[] = {
+    {FlagRule::kSwitch, "switch", "FALSE, NO and 0 (exactly) give false, any other value true"},
+    {FlagRule::kDefined, "defined", "true when the variable (or one of the two) is defined"},
+    {FlagRule::kUndefined, "undefined", "true when the variable is not defined"},
+    {FlagRule::kNumber, "number",
+     "read like atoi (white space, sign, digits), wrapping modulo 2^32"},
+    {FlagRule::kSeconds, "seconds", "a number of seconds, held in milliseconds"},
+    {FlagRule::kText, "text", "the variable's text; (null) when not defined"},
+    {FlagRule::kGeneration, "generation",
+     "the first variable's number when 1 or more, else the second's"},
+    {FlagRule::kNotNo, "not-NO", "false when the second variable is defined or the value is NO"},
+};
+
+constexpr const FlagRuleInfo& RuleInfo(FlagRule rule) {
+  return kFlagRules[static_cast<std::size_t>(rule)];
 }
 
 // A switch value: a truth value, a number, or a text (null when the
@@ -65,326 +67,188 @@ constexpr FlagValue Number(std::int64_t value) {
 }
 constexpr FlagValue Text(const char* value) { return {FlagValue::Kind::kText, 0, value}; }
 
+// Where a switch's value lives: exactly one pointer is set. A member is
+// written by the loader; an accessor reads its variable at every call.
+struct FlagTarget {
+  bool* truth = nullptr;
+  int* number = nullptr;
+  std::uint32_t* unsignedNumber = nullptr;
+  KORUnicodeString* text = nullptr;
+  bool (*truthAccessor)() = nullptr;
+  const char* (*textAccessor)() = nullptr;
+};
+
+constexpr FlagTarget Member(bool* member) {
+  FlagTarget target;
+  target.truth = member;
+  return target;
+}
+constexpr FlagTarget Member(int* member) {
+  FlagTarget target;
+  target.number = member;
+  return target;
+}
+constexpr FlagTarget Member(std::uint32_t* member) {
+  FlagTarget target;
+  target.unsignedNumber = member;
+  return target;
+}
+constexpr FlagTarget Member(KORUnicodeString* member) {
+  FlagTarget target;
+  target.text = member;
+  return target;
+}
+constexpr FlagTarget PerCall(bool (*accessor)()) {
+  FlagTarget target;
+  target.truthAccessor = accessor;
+  return target;
+}
+constexpr FlagTarget PerCall(const char* (*accessor)()) {
+  FlagTarget target;
+  target.textAccessor = accessor;
+  return target;
+}
+
 struct DevFlag {
-  // The member ("_FastCV") or, for a switch read through an accessor, the
-  // accessor ("UseVLMSimplified()").
+  // The member ("_FastCV") or, when the engine reads the switch through
+  // an accessor, the accessor ("UseVLMSimplified()").
   const char* name;
   const char* variable;
   const char* secondVariable;  // consulted by kDefined, kGeneration and kNotNo, or null
   FlagRule rule;
-  bool readAtEachCall;  // read afresh by every call instead of at load
-  FlagValue fallback;   // the value when no variable is defined
-  FlagValue (*current)();
+  FlagValue fallback;  // the value when no variable is defined
+  FlagTarget target;
+
+  constexpr bool ReadAtEachCall() const {
+    return target.truthAccessor != nullptr || target.textAccessor != nullptr;
+  }
 };
 
 using F = IDX_DEV_LA;
+constexpr FlagRule kSwitch = FlagRule::kSwitch;
+constexpr FlagRule kDefined = FlagRule::kDefined;
+constexpr FlagRule kUndefined = FlagRule::kUndefined;
+constexpr FlagRule kNumber = FlagRule::kNumber;
 
-// Read while the library loads.
-inline constexpr DevFlag kFastCV{
-    "_FastCV", "IDXFastCV", nullptr, FlagRule::kSwitch, false, Truth(true), [] {
-      return Truth(F::_FastCV);
-    }};
-inline constexpr DevFlag kFastCVWrap{
-    "_FastCVWrap", "IDXFastCVWrap", nullptr, FlagRule::kSwitch, false, Truth(true), [] {
-      return Truth(F::_FastCVWrap);
-    }};
-inline constexpr DevFlag kFastCVNames{
-    "_FastCVNames", "IDXFastCVNames", nullptr, FlagRule::kSwitch, false, Truth(true), [] {
-      return Truth(F::_FastCVNames);
-    }};
-inline constexpr DevFlag kFastCVRootIds{
-    "_FastCVRootIds", "IDXFastCVRootIds", nullptr, FlagRule::kSwitch, false, Truth(true), [] {
-      return Truth(F::_FastCVRootIds);
-    }};
-inline constexpr DevFlag kFastCVBBoxes{
-    "_FastCVBBoxes", "IDXFastCVBBoxes", nullptr, FlagRule::kSwitch, false, Truth(true), [] {
-      return Truth(F::_FastCVBBoxes);
-    }};
-inline constexpr DevFlag kLog2CV{
-    "_Log2CV", "IDXLog2CV", nullptr, FlagRule::kSwitch, false, Truth(false), [] {
-      return Truth(F::_Log2CV);
-    }};
-inline constexpr DevFlag kLog2CVPerfo{
-    "_Log2CVPerfo", "IDXLog2CVPerfo", nullptr, FlagRule::kSwitch, false, Truth(false), [] {
-      return Truth(F::_Log2CVPerfo);
-    }};
-inline constexpr DevFlag kForceOctreeWithThbOnly{"_ForceOctreeWithThbOnly",
-                                                 "IDXForceOctreeWithThbOnly",
-                                                 nullptr,
-                                                 FlagRule::kSwitch,
-                                                 false,
-                                                 Truth(false),
-                                                 [] { return Truth(F::_ForceOctreeWithThbOnly); }};
-inline constexpr DevFlag kOldBBComputation{"_OldBBComputation",
-                                           "IDXOldBBComputation",
-                                           nullptr,
-                                           FlagRule::kDefined,
-                                           false,
-                                           Truth(false),
-                                           [] { return Truth(F::_OldBBComputation); }};
-inline constexpr DevFlag kUseQuillonSecurity{
-    "IDXUseQuillonSecurityInsteadOfOCDX",
-    "IDXUseQuillonSecurityInsteadOfOCDX",
-    nullptr,
-    FlagRule::kDefined,
-    false,
-    Truth(false),
-    [] { return Truth(F::IDXUseQuillonSecurityInsteadOfOCDX); }};
-inline constexpr DevFlag kKeepGeneration1{"_KeepGeneration1",
-                                          "IDXKeepPreviousGeneration",
-                                          nullptr,
-                                          FlagRule::kNumber,
-                                          false,
-                                          Number(-1),
-                                          [] { return Number(F::_KeepGeneration1); }};
-inline constexpr DevFlag kKeepGeneration2{"_KeepGeneration2",
-                                          "KeepPreviousGeneration",
-                                          nullptr,
-                                          FlagRule::kNumber,
-                                          false,
-                                          Number(-1),
-                                          [] { return Number(F::_KeepGeneration2); }};
-inline constexpr DevFlag kUseVLMSimplified{"UseVLMSimplified()",
-                                           "IDX_DO_NOT_USE_SimplifiedVLM",
-                                           nullptr,
-                                           FlagRule::kUndefined,
-                                           false,
-                                           Truth(true),
-                                           [] { return Truth(F::UseVLMSimplified()); }};
-inline constexpr DevFlag kDWHIndexing{
-    "DWHIndexing()", "IDX_NO_INDEX_DWH", nullptr, FlagRule::kUndefined, false, Truth(true), [] {
-      return Truth(F::DWHIndexing());
-    }};
-inline constexpr DevFlag kAdvancedMigration{"AdvancedMigration()",
-                                            "NO_ADVANCED_MIGRATION",
-                                            nullptr,
-                                            FlagRule::kUndefined,
-                                            false,
-                                            Truth(true),
-                                            [] { return Truth(F::AdvancedMigration()); }};
-inline constexpr DevFlag kIndexTextOnly{"IsIndexTextOnly()",
-                                        "IDXDisableTextOnly",
-                                        nullptr,
-                                        FlagRule::kUndefined,
-                                        false,
-                                        Truth(true),
-                                        [] { return Truth(F::IsIndexTextOnly()); }};
-inline constexpr DevFlag kPostProcRep{"ForcePostProcRep()",
-                                      "IDXDisableForcePostProcRep",
-                                      nullptr,
-                                      FlagRule::kUndefined,
-                                      false,
-                                      Truth(true),
-                                      [] { return Truth(F::ForcePostProcRep()); }};
-inline constexpr DevFlag kEvalAllAtMaybe{
-    "EvalAllAtMaybe()", "IDXEvalAllAtMaybe", nullptr, FlagRule::kDefined, false, Truth(false), [] {
-      return Truth(F::EvalAllAtMaybe());
-    }};
-inline constexpr DevFlag kConfigCacheActive{
-    "IsPersistantConfigCacheActive()",
-    "IDXConfigCacheDir",
-    nullptr,
-    FlagRule::kDefined,
-    false,
-    Truth(false),
-    [] { return Truth(F::IsPersistantConfigCacheActive()); }};
-inline constexpr DevFlag kConfigCacheDir{
-    "GetPersistantConfigCacheDir()",
-    "IDXConfigCacheDir",
-    nullptr,
-    FlagRule::kText,
-    false,
-    Text(""),
-    [] { return Text(F::_PersistantConfigCacheDir.ConvertToChar()); }};
-inline constexpr DevFlag kBuildRTree{
-    "IsRTreeBuildActive()", "IDXBuildRTree", nullptr, FlagRule::kDefined, false, Truth(false), [] {
-      return Truth(F::IsRTreeBuildActive());
-    }};
-inline constexpr DevFlag kDisableRTree{
-    "IsRTreeDisabledRT()", "IDXDisableRTree", nullptr, FlagRule::kDefined, false, Truth(false), [] {
-      return Truth(F::IsRTreeDisabledRT());
-    }};
-inline constexpr DevFlag kCheckMemoryConsistency{"CheckMemoryConsistency()",
-                                                 "KORQuillonCheckMemoryConsistency",
-                                                 nullptr,
-                                                 FlagRule::kDefined,
-                                                 false,
-                                                 Truth(false),
-                                                 [] { return Truth(F::CheckMemoryConsistency()); }};
-inline constexpr DevFlag kRecoverInstance{"IsRecoverInstance()",
-                                          "IDXRecoverInstance",
-                                          nullptr,
-                                          FlagRule::kDefined,
-                                          false,
-                                          Truth(false),
-                                          [] { return Truth(F::IsRecoverInstance()); }};
-inline constexpr DevFlag kRecoverInstanceSeconds{
-    "RecoverInstanceSeconds()",
-    "IDXRecoverInstanceSecondsNumber",
-    nullptr,
-    FlagRule::kNumber,
-    false,
-    Number(7200),
-    [] { return Number(F::RecoverInstanceSeconds()); }};
-inline constexpr DevFlag kKeepLocalTaskLog{"KeepLocalTaskLog()",
-                                           "IDXKeepLocalTaskLog",
-                                           nullptr,
-                                           FlagRule::kDefined,
-                                           false,
-                                           Truth(false),
-                                           [] { return Truth(F::KeepLocalTaskLog()); }};
-inline constexpr DevFlag kIndexPrivateReps{"IndexPrivateReps()",
-                                           "IDXIndexPrivateReps",
-                                           nullptr,
-                                           FlagRule::kDefined,
-                                           false,
-                                           Truth(false),
-                                           [] { return Truth(F::IndexPrivateReps()); }};
-inline constexpr DevFlag kReadableTimeStamps{
-    "ReadableTimeStampsForBBDMonitorFolders()",
-    "ReadableTimestampsForBBDMonitorFolders",
-    nullptr,
-    FlagRule::kDefined,
-    false,
-    Truth(false),
-    [] { return Truth(F::ReadableTimeStampsForBBDMonitorFolders()); }};
-inline constexpr DevFlag kUseDeleteLog{
-    "UseDeleteLog()", "IDXUseDeleteLog", nullptr, FlagRule::kDefined, false, Truth(false), [] {
-      return Truth(F::UseDeleteLog());
-    }};
-inline constexpr DevFlag kSimilarBSFFilter{"IsSimilarBSFFilter()",
-                                           "IDXSimilarBSFFilter",
-                                           nullptr,
-                                           FlagRule::kDefined,
-                                           false,
-                                           Truth(false),
-                                           [] { return Truth(F::IsSimilarBSFFilter()); }};
-inline constexpr DevFlag kNewSecu{
-    "IsNewSecuEnabled()", "IDXNewSecu", nullptr, FlagRule::kDefined, false, Truth(false), [] {
-      return Truth(F::IsNewSecuEnabled());
-    }};
-inline constexpr DevFlag kQueryTimer{"QueryTimerMilliSecond()",
-                                     "IDXQueryMaxDuration",
-                                     nullptr,
-                                     FlagRule::kSeconds,
-                                     false,
-                                     Number(0),
-                                     [] { return Number(F::QueryTimerMilliSecond()); }};
-inline constexpr DevFlag kDerivedObjectTimeLimit{
-    "DerivedObjectComputationTimeLimitForBuilderLogsInMs()",
-    "IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs",
-    nullptr,
-    FlagRule::kNumber,
-    false,
-    Number(0),
-    [] { return Number(F::DerivedObjectComputationTimeLimitForBuilderLogsInMs()); }};
-// The two memory sizes read the same variable with different defaults.
-inline constexpr DevFlag kMaxMemoryForBuilder{
-    "MaxMemorySizeForBuilderInMB()",
-    "IDX_MaxMemorySizeForBuilderInMB",
-    nullptr,
-    FlagRule::kNumber,
-    false,
-    Number(7000),
-    [] { return Number(F::MaxMemorySizeForBuilderInMB()); }};
-inline constexpr DevFlag kMaxMemoryForAllBuilders{
-    "MaxMemorySizeForAllBuildersinMB()",
-    "IDX_MaxMemorySizeForBuilderInMB",
-    nullptr,
-    FlagRule::kNumber,
-    false,
-    Number(196000),
-    [] { return Number(F::MaxMemorySizeForAllBuildersinMB()); }};
-inline constexpr DevFlag kKeepGeneration{"KeepGeneration()",
-                                         "IDXKeepPreviousGeneration",
-                                         "KeepPreviousGeneration",
-                                         FlagRule::kGeneration,
-                                         false,
-                                         Number(-1),
-                                         [] { return Number(F::KeepGeneration()); }};
-
-// Read at every call.
-inline constexpr DevFlag kRunWithCVServlet{"RunWithCVServlet()",
-                                           "RUN_WITH_CVSERVLET",
-                                           "IDXKeepPreviousGeneration",
-                                           FlagRule::kNotNo,
-                                           true,
-                                           Truth(true),
-                                           [] { return Truth(F::RunWithCVServlet()); }};
-inline constexpr DevFlag kDontKillOrpheanBuilders{
-    "dontKillOrpheanBuilders()",
-    "QBR_PMX_TMP",
-    "IDXDontKillOrpheanBuilders",
-    FlagRule::kDefined,
-    true,
-    Truth(false),
-    [] { return Truth(F::dontKillOrpheanBuilders()); }};
-inline constexpr DevFlag kIndexStoragePath{"getKORIndexStoragePath()",
-                                           "KORIndexStoragePath",
-                                           nullptr,
-                                           FlagRule::kText,
-                                           true,
-                                           Text(nullptr),
-                                           [] { return Text(F::getKORIndexStoragePath()); }};
-inline constexpr DevFlag kPlmIndexDisabled{"isPlmIndexDisabled()",
-                                           "PLM_INDEX_DISABLED",
-                                           nullptr,
-                                           FlagRule::kDefined,
-                                           true,
-                                           Truth(false),
-                                           [] { return Truth(F::isPlmIndexDisabled()); }};
-inline constexpr DevFlag kPlmIndexInProcess{"isPlmIndexInProcess()",
-                                            "PLM_INDEX_INPROCESS",
-                                            nullptr,
-                                            FlagRule::kDefined,
-                                            true,
-                                            Truth(false),
-                                            [] { return Truth(F::isPlmIndexInProcess()); }};
-
-// Every switch, in the order in which they are listed.
-inline constexpr const DevFlag* kDevFlags[] = {
-    &kFastCV,
-    &kFastCVWrap,
-    &kFastCVNames,
-    &kFastCVRootIds,
-    &kFastCVBBoxes,
-    &kLog2CV,
-    &kLog2CVPerfo,
-    &kForceOctreeWithThbOnly,
-    &kOldBBComputation,
-    &kUseQuillonSecurity,
-    &kKeepGeneration1,
-    &kKeepGeneration2,
-    &kUseVLMSimplified,
-    &kDWHIndexing,
-    &kAdvancedMigration,
-    &kIndexTextOnly,
-    &kPostProcRep,
-    &kEvalAllAtMaybe,
-    &kConfigCacheActive,
-    &kConfigCacheDir,
-    &kBuildRTree,
-    &kDisableRTree,
-    &kCheckMemoryConsistency,
-    &kRecoverInstance,
-    &kRecoverInstanceSeconds,
-    &kKeepLocalTaskLog,
-    &kIndexPrivateReps,
-    &kReadableTimeStamps,
-    &kUseDeleteLog,
-    &kSimilarBSFFilter,
-    &kNewSecu,
-    &kQueryTimer,
-    &kDerivedObjectTimeLimit,
-    &kMaxMemoryForBuilder,
-    &kMaxMemoryForAllBuilders,
-    &kKeepGeneration,
-    &kRunWithCVServlet,
-    &kDontKillOrpheanBuilders,
-    &kIndexStoragePath,
-    &kPlmIndexDisabled,
-    &kPlmIndexInProcess,
+// clang-format off
+inline constexpr DevFlag kDevFlags[] = {
+    // Read while the library loads.
+    {"_FastCV", "IDXFastCV", nullptr, kSwitch, Truth(true), Member(&F::_FastCV)},
+    {"_FastCVWrap", "IDXFastCVWrap", nullptr, kSwitch, Truth(true), Member(&F::_FastCVWrap)},
+    {"_FastCVNames", "IDXFastCVNames", nullptr, kSwitch, Truth(true), Member(&F::_FastCVNames)},
+    {"_FastCVRootIds", "IDXFastCVRootIds", nullptr, kSwitch, Truth(true),
+     Member(&F::_FastCVRootIds)},
+    {"_FastCVBBoxes", "IDXFastCVBBoxes", nullptr, kSwitch, Truth(true), Member(&F::_FastCVBBoxes)},
+    {"_Log2CV", "IDXLog2CV", nullptr, kSwitch, Truth(false), Member(&F::_Log2CV)},
+    {"_Log2CVPerfo", "IDXLog2CVPerfo", nullptr, kSwitch, Truth(false), Member(&F::_Log2CVPerfo)},
+    {"_ForceOctreeWithThbOnly", "IDXForceOctreeWithThbOnly", nullptr, kSwitch, Truth(false),
+     Member(&F::_ForceOctreeWithThbOnly)},
+    {"_OldBBComputation", "IDXOldBBComputation", nullptr, kDefined, Truth(false),
+     Member(&F::_OldBBComputation)},
+    {"IDXUseQuillonSecurityInsteadOfOCDX", "IDXUseQuillonSecurityInsteadOfOCDX", nullptr,
+     kDefined, Truth(false), Member(&F::IDXUseQuillonSecurityInsteadOfOCDX)},
+    {"_KeepGeneration1", "IDXKeepPreviousGeneration", nullptr, kNumber, Number(-1),
+     Member(&F::_KeepGeneration1)},
+    {"_KeepGeneration2", "KeepPreviousGeneration", nullptr, kNumber, Number(-1),
+     Member(&F::_KeepGeneration2)},
+    {"UseVLMSimplified()", "IDX_DO_NOT_USE_SimplifiedVLM", nullptr, kUndefined, Truth(true),
+     Member(&F::_UseVLMSimplified)},
+    {"DWHIndexing()", "IDX_NO_INDEX_DWH", nullptr, kUndefined, Truth(true),
+     Member(&F::_DWHIndexing)},
+    {"AdvancedMigration()", "NO_ADVANCED_MIGRATION", nullptr, kUndefined, Truth(true),
+     Member(&F::_AdvancedMigration)},
+    {"IsIndexTextOnly()", "IDXDisableTextOnly", nullptr, kUndefined, Truth(true),
+     Member(&F::_IndexTextOnly)},
+    {"ForcePostProcRep()", "IDXDisableForcePostProcRep", nullptr, kUndefined, Truth(true),
+     Member(&F::_postProcRep)},
+    {"EvalAllAtMaybe()", "IDXEvalAllAtMaybe", nullptr, kDefined, Truth(false),
+     Member(&F::_postProcAllObjects)},
+    {"IsPersistantConfigCacheActive()", "IDXConfigCacheDir", nullptr, kDefined, Truth(false),
+     Member(&F::_PersistantConfigCacheActive)},
+    {"GetPersistantConfigCacheDir()", "IDXConfigCacheDir", nullptr, FlagRule::kText, Text(""),
+     Member(&F::_PersistantConfigCacheDir)},
+    {"IsRTreeBuildActive()", "IDXBuildRTree", nullptr, kDefined, Truth(false),
+     Member(&F::_BuildRTree)},
+    {"IsRTreeDisabledRT()", "IDXDisableRTree", nullptr, kDefined, Truth(false),
+     Member(&F::_DisableRTree)},
+    {"CheckMemoryConsistency()", "KORQuillonCheckMemoryConsistency", nullptr, kDefined,
+     Truth(false), Member(&F::_CheckMemoryConsistency)},
+    {"IsRecoverInstance()", "IDXRecoverInstance", nullptr, kDefined, Truth(false),
+     Member(&F::_RecoverInstance)},
+    {"RecoverInstanceSeconds()", "IDXRecoverInstanceSecondsNumber", nullptr, kNumber,
+     Number(7200), Member(&F::_RecoverInstanceSeconds)},
+    {"KeepLocalTaskLog()", "IDXKeepLocalTaskLog", nullptr, kDefined, Truth(false),
+     Member(&F::_KeepLocalTaskLog)},
+    {"IndexPrivateReps()", "IDXIndexPrivateReps", nullptr, kDefined, Truth(false),
+     Member(&F::_IndexPrivateReps)},
+    // The variable spells Timestamps with a lower-case s, unlike the member.
+    {"ReadableTimeStampsForBBDMonitorFolders()", "ReadableTimestampsForBBDMonitorFolders",
+     nullptr, kDefined, Truth(false), Member(&F::_ReadableTimeStampsForBBDMonitorFolders)},
+    {"UseDeleteLog()", "IDXUseDeleteLog", nullptr, kDefined, Truth(false),
+     Member(&F::_UseDeleteLog)},
+    {"IsSimilarBSFFilter()", "IDXSimilarBSFFilter", nullptr, kDefined, Truth(false),
+     Member(&F::_SimilarBSFFilter)},
+    {"IsNewSecuEnabled()", "IDXNewSecu", nullptr, kDefined, Truth(false),
+     Member(&F::_newSecuEnabled)},
+    {"QueryTimerMilliSecond()", "IDXQueryMaxDuration", nullptr, FlagRule::kSeconds, Number(0),
+     Member(&F::_QueryTimerMilliSecond)},
+    {"DerivedObjectComputationTimeLimitForBuilderLogsInMs()",
+     "IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs", nullptr, kNumber, Number(0),
+     Member(&F::_DerivedObjectComputationTimeLimitForBuilderLogsInMs)},
+    // The two memory sizes read the same variable with different defaults.
+    {"MaxMemorySizeForBuilderInMB()", "IDX_MaxMemorySizeForBuilderInMB", nullptr, kNumber,
+     Number(7000), Member(&F::_MaxMemorySizeForBuilderInMB)},
+    {"MaxMemorySizeForAllBuildersinMB()", "IDX_MaxMemorySizeForBuilderInMB", nullptr, kNumber,
+     Number(196000), Member(&F::_MaxMemorySizeForAllBuildersInMB)},
+    {"KeepGeneration()", "IDXKeepPreviousGeneration", "KeepPreviousGeneration",
+     FlagRule::kGeneration, Number(-1), Member(&F::_KeepGeneration)},
+    // Read at every call.
+    {"RunWithCVServlet()", "RUN_WITH_CVSERVLET", "IDXKeepPreviousGeneration", FlagRule::kNotNo,
+     Truth(true), PerCall(&F::RunWithCVServlet)},
+    {"dontKillOrpheanBuilders()", "QBR_PMX_TMP", "IDXDontKillOrpheanBuilders", kDefined,
+     Truth(false), PerCall(&F::dontKillOrpheanBuilders)},
+    {"getKORIndexStoragePath()", "KORIndexStoragePath", nullptr, FlagRule::kText, Text(nullptr),
+     PerCall(&F::getKORIndexStoragePath)},
+    {"isPlmIndexDisabled()", "PLM_INDEX_DISABLED", nullptr, kDefined, Truth(false),
+     PerCall(&F::isPlmIndexDisabled)},
+    {"isPlmIndexInProcess()", "PLM_INDEX_INPROCESS", nullptr, kDefined, Truth(false),
+     PerCall(&F::isPlmIndexInProcess)},
 };
+// clang-format on
+
+constexpr bool RulesInEnumOrder() {
+  for (std::size_t i = 0; i < sizeof kFlagRules / sizeof kFlagRules[0]; ++i) {
+    if (static_cast<std::size_t>(kFlagRules[i].rule) != i) return false;
+  }
+  return true;
+}
+static_assert(RulesInEnumOrder(), "kFlagRules is indexed by FlagRule");
+
+// The row of the switch that `accessor` reads at every call; the row count
+// when no row names it.
+template <typename Accessor>
+constexpr std::size_t FlagIndexOf(Accessor accessor) {
+  std::size_t index = 0;
+  for (const DevFlag& flag : kDevFlags) {
+    if (PerCall(accessor).truthAccessor == flag.target.truthAccessor &&
+        PerCall(accessor).textAccessor == flag.target.textAccessor) {
+      return index;
+    }
+    ++index;
+  }
+  return index;
+}
+
+// The value a switch has in this process.
+inline FlagValue CurrentValue(const DevFlag& flag) {
+  const FlagTarget& target = flag.target;
+  if (target.truth != nullptr) return Truth(*target.truth);
+  if (target.number != nullptr) return Number(*target.number);
+  if (target.unsignedNumber != nullptr) return Number(*target.unsignedNumber);
+  if (target.text != nullptr) return Text(target.text->ConvertToChar());
+  if (target.truthAccessor != nullptr) return Truth(target.truthAccessor());
+  return Text(target.textAccessor());
+}
 
 }  // namespace idxbase::detail
 

@@ -1,93 +1,155 @@
-// The development switches, read while the library is loaded. The members
-// are initialised in the order of their definitions below, so the derived
-// _KeepGeneration comes after the two values it is made of. The variables,
-// rules and defaults come from the switch table.
+// The development switches: every row of the switch table is read by its
+// rule, the load-time ones once while the library is loaded, the others at
+// each call of their accessor.
+#include "services/dev_flags.h"
+
+#include <cstring>
+#include <iterator>
 #include <string_view>
 
 #include "idxbase/kor_system.h"
 #include "idxbase/settings.h"
-#include "services/dev_flag_table.h"
-#include "services/env_rules.h"
 
+namespace idxbase::detail {
 namespace {
 
-namespace table = idxbase::detail;
-using idxbase::detail::DevFlag;
-using idxbase::detail::FlagRule;
-using idxbase::detail::IsDefined;
+bool IsCSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-// A truth value read by the flag's rule (switch, defined or undefined).
-bool ReadTruth(const DevFlag& flag) {
-  switch (flag.rule) {
-    case FlagRule::kSwitch:
-      return idxbase::detail::ReadSwitch(flag.variable, flag.fallback.number != 0);
-    case FlagRule::kUndefined:
-      return !IsDefined(flag.variable);
-    default:
-      return IsDefined(flag.variable) ||
-             (flag.secondVariable != nullptr && IsDefined(flag.secondVariable));
+bool IsFalseWord(std::string_view value) {
+  return value == "FALSE" || value == "NO" || value == "0";
+}
+
+std::int32_t ReadNumber(const char* variable, const FlagValue& fallback, const EnvLookup& lookup) {
+  const char* value = lookup(variable);
+  return value == nullptr ? static_cast<std::int32_t>(fallback.number) : ParseInteger(value);
+}
+
+bool Defined(const char* variable, const EnvLookup& lookup) {
+  return variable != nullptr && lookup(variable) != nullptr;
+}
+
+// Unsigned members take the 32-bit result as it stands.
+void Store(const FlagTarget& target, const FlagValue& value) {
+  if (target.truth != nullptr) *target.truth = value.number != 0;
+  if (target.number != nullptr) *target.number = static_cast<int>(value.number);
+  if (target.unsignedNumber != nullptr) {
+    *target.unsignedNumber = static_cast<std::uint32_t>(value.number);
   }
+  if (target.text != nullptr) *target.text = KORUnicodeString(value.text);
 }
-
-std::int32_t ReadNumber(const DevFlag& flag) {
-  return idxbase::detail::ReadNumber(flag.variable,
-                                     static_cast<std::int32_t>(flag.fallback.number));
-}
-
-// Unsigned members take the 32-bit result as it stands; a number of
-// seconds becomes milliseconds, the product wrapping modulo 2^32.
-std::uint32_t ReadUnsigned(const DevFlag& flag) {
-  const auto value = static_cast<std::uint32_t>(ReadNumber(flag));
-  return flag.rule == FlagRule::kSeconds ? value * 1000u : value;
-}
-
-const char* ReadText(const DevFlag& flag) {
-  const char* value = KORGetEnv(flag.variable);
-  return value != nullptr ? value : flag.fallback.text;
-}
-
-int DeriveKeepGeneration(int first, int second) { return first > 0 ? first : second; }
 
 }  // namespace
 
-bool IDX_DEV_LA::_FastCV = ReadTruth(table::kFastCV);
-bool IDX_DEV_LA::_FastCVWrap = ReadTruth(table::kFastCVWrap);
-bool IDX_DEV_LA::_FastCVNames = ReadTruth(table::kFastCVNames);
-bool IDX_DEV_LA::_FastCVRootIds = ReadTruth(table::kFastCVRootIds);
-bool IDX_DEV_LA::_FastCVBBoxes = ReadTruth(table::kFastCVBBoxes);
-bool IDX_DEV_LA::_Log2CV = ReadTruth(table::kLog2CV);
-bool IDX_DEV_LA::_Log2CVPerfo = ReadTruth(table::kLog2CVPerfo);
-bool IDX_DEV_LA::_ForceOctreeWithThbOnly = ReadTruth(table::kForceOctreeWithThbOnly);
-bool IDX_DEV_LA::_UseVLMSimplified = ReadTruth(table::kUseVLMSimplified);
-bool IDX_DEV_LA::_DWHIndexing = ReadTruth(table::kDWHIndexing);
-bool IDX_DEV_LA::_AdvancedMigration = ReadTruth(table::kAdvancedMigration);
-bool IDX_DEV_LA::_IndexTextOnly = ReadTruth(table::kIndexTextOnly);
-bool IDX_DEV_LA::_postProcRep = ReadTruth(table::kPostProcRep);
-bool IDX_DEV_LA::_postProcAllObjects = ReadTruth(table::kEvalAllAtMaybe);
-bool IDX_DEV_LA::_PersistantConfigCacheActive = ReadTruth(table::kConfigCacheActive);
-KORUnicodeString IDX_DEV_LA::_PersistantConfigCacheDir = ReadText(table::kConfigCacheDir);
-bool IDX_DEV_LA::_BuildRTree = ReadTruth(table::kBuildRTree);
-bool IDX_DEV_LA::_DisableRTree = ReadTruth(table::kDisableRTree);
-bool IDX_DEV_LA::_OldBBComputation = ReadTruth(table::kOldBBComputation);
-bool IDX_DEV_LA::_CheckMemoryConsistency = ReadTruth(table::kCheckMemoryConsistency);
-bool IDX_DEV_LA::_RecoverInstance = ReadTruth(table::kRecoverInstance);
-int IDX_DEV_LA::_RecoverInstanceSeconds = ReadNumber(table::kRecoverInstanceSeconds);
-bool IDX_DEV_LA::_KeepLocalTaskLog = ReadTruth(table::kKeepLocalTaskLog);
-bool IDX_DEV_LA::_IndexPrivateReps = ReadTruth(table::kIndexPrivateReps);
-bool IDX_DEV_LA::_ReadableTimeStampsForBBDMonitorFolders = ReadTruth(table::kReadableTimeStamps);
-bool IDX_DEV_LA::IDXUseQuillonSecurityInsteadOfOCDX = ReadTruth(table::kUseQuillonSecurity);
-bool IDX_DEV_LA::_UseDeleteLog = ReadTruth(table::kUseDeleteLog);
-bool IDX_DEV_LA::_SimilarBSFFilter = ReadTruth(table::kSimilarBSFFilter);
-bool IDX_DEV_LA::_newSecuEnabled = ReadTruth(table::kNewSecu);
-std::uint32_t IDX_DEV_LA::_QueryTimerMilliSecond = ReadUnsigned(table::kQueryTimer);
-std::uint32_t IDX_DEV_LA::_DerivedObjectComputationTimeLimitForBuilderLogsInMs =
-    ReadUnsigned(table::kDerivedObjectTimeLimit);
-std::uint32_t IDX_DEV_LA::_MaxMemorySizeForBuilderInMB = ReadUnsigned(table::kMaxMemoryForBuilder);
-std::uint32_t IDX_DEV_LA::_MaxMemorySizeForAllBuildersInMB =
-    ReadUnsigned(table::kMaxMemoryForAllBuilders);
-int IDX_DEV_LA::_KeepGeneration1 = ReadNumber(table::kKeepGeneration1);
-int IDX_DEV_LA::_KeepGeneration2 = ReadNumber(table::kKeepGeneration2);
-int IDX_DEV_LA::_KeepGeneration = DeriveKeepGeneration(_KeepGeneration1, _KeepGeneration2);
+FlagValue EvaluateFlag(const DevFlag& flag, const EnvLookup& lookup) {
+  const char* value = lookup(flag.variable);
+  switch (flag.rule) {
+    case FlagRule::kSwitch:
+      return value == nullptr ? flag.fallback : Truth(!IsFalseWord(value));
+    case FlagRule::kDefined:
+      return Truth(value != nullptr || Defined(flag.secondVariable, lookup));
+    case FlagRule::kUndefined:
+      return Truth(value == nullptr);
+    case FlagRule::kNumber:
+      return Number(ReadNumber(flag.variable, flag.fallback, lookup));
+    case FlagRule::kSeconds: {
+      // Milliseconds, the product wrapping modulo 2^32.
+      const auto seconds =
+          static_cast<std::uint32_t>(ReadNumber(flag.variable, flag.fallback, lookup));
+      return Number(seconds * 1000u);
+    }
+    case FlagRule::kText:
+      return value == nullptr ? flag.fallback : Text(value);
+    case FlagRule::kGeneration: {
+      // The first variable wins only from 1 upwards (a signed comparison).
+      const std::int32_t first = ReadNumber(flag.variable, flag.fallback, lookup);
+      return Number(first > 0 ? first : ReadNumber(flag.secondVariable, flag.fallback, lookup));
+    }
+    case FlagRule::kNotNo:
+      if (Defined(flag.secondVariable, lookup)) return Truth(false);
+      return Truth(value == nullptr || std::string_view(value) != "NO");
+  }
+  return flag.fallback;
+}
+
+void LoadDevFlags(const EnvLookup& lookup) {
+  for (const DevFlag& flag : kDevFlags) {
+    if (!flag.ReadAtEachCall()) Store(flag.target, EvaluateFlag(flag, lookup));
+  }
+}
+
+std::int32_t ParseInteger(const char* text) {
+  while (IsCSpace(*text)) ++text;
+  const bool negative = *text == '-';
+  if (*text == '-' || *text == '+') ++text;
+  std::uint32_t magnitude = 0;
+  for (; *text >= '0' && *text <= '9'; ++text) {
+    magnitude = magnitude * 10u + static_cast<std::uint32_t>(*text - '0');
+  }
+  if (negative) magnitude = 0u - magnitude;
+  // Two's-complement reinterpretation, defined for every 32-bit pattern.
+  std::int32_t result;
+  std::memcpy(&result, &magnitude, sizeof result);
+  return result;
+}
+
+}  // namespace idxbase::detail
+
+namespace {
+
+using idxbase::detail::EvaluateFlag;
+
+// The value of the switch that `accessor` reads at every call.
+template <auto accessor>
+idxbase::detail::FlagValue ReadNow() {
+  constexpr std::size_t kIndex = idxbase::detail::FlagIndexOf(accessor);
+  static_assert(kIndex < std::size(idxbase::detail::kDevFlags), "an accessor without its row");
+  return EvaluateFlag(idxbase::detail::kDevFlags[kIndex], KORGetEnv);
+}
+
+}  // namespace
+
+// Written by the loader below, which comes after them so that they are
+// constructed when it runs.
+bool IDX_DEV_LA::_FastCV{};
+bool IDX_DEV_LA::_FastCVWrap{};
+bool IDX_DEV_LA::_FastCVNames{};
+bool IDX_DEV_LA::_FastCVRootIds{};
+bool IDX_DEV_LA::_FastCVBBoxes{};
+bool IDX_DEV_LA::_Log2CV{};
+bool IDX_DEV_LA::_Log2CVPerfo{};
+bool IDX_DEV_LA::_ForceOctreeWithThbOnly{};
+bool IDX_DEV_LA::_UseVLMSimplified{};
+bool IDX_DEV_LA::_DWHIndexing{};
+bool IDX_DEV_LA::_AdvancedMigration{};
+bool IDX_DEV_LA::_IndexTextOnly{};
+bool IDX_DEV_LA::_postProcRep{};
+bool IDX_DEV_LA::_postProcAllObjects{};
+bool IDX_DEV_LA::_PersistantConfigCacheActive{};
+KORUnicodeString IDX_DEV_LA::_PersistantConfigCacheDir;
+bool IDX_DEV_LA::_BuildRTree{};
+bool IDX_DEV_LA::_DisableRTree{};
+bool IDX_DEV_LA::_OldBBComputation{};
+bool IDX_DEV_LA::_CheckMemoryConsistency{};
+bool IDX_DEV_LA::_RecoverInstance{};
+int IDX_DEV_LA::_RecoverInstanceSeconds{};
+bool IDX_DEV_LA::_KeepLocalTaskLog{};
+bool IDX_DEV_LA::_IndexPrivateReps{};
+bool IDX_DEV_LA::_ReadableTimeStampsForBBDMonitorFolders{};
+bool IDX_DEV_LA::IDXUseQuillonSecurityInsteadOfOCDX{};
+bool IDX_DEV_LA::_UseDeleteLog{};
+bool IDX_DEV_LA::_SimilarBSFFilter{};
+bool IDX_DEV_LA::_newSecuEnabled{};
+std::uint32_t IDX_DEV_LA::_QueryTimerMilliSecond{};
+std::uint32_t IDX_DEV_LA::_DerivedObjectComputationTimeLimitForBuilderLogsInMs{};
+std::uint32_t IDX_DEV_LA::_MaxMemorySizeForBuilderInMB{};
+std::uint32_t IDX_DEV_LA::_MaxMemorySizeForAllBuildersInMB{};
+int IDX_DEV_LA::_KeepGeneration1{};
+int IDX_DEV_LA::_KeepGeneration2{};
+int IDX_DEV_LA::_KeepGeneration{};
+
+namespace {
+[[maybe_unused]] const bool kDevFlagsLoaded = (idxbase::detail::LoadDevFlags(KORGetEnv), true);
+}  // namespace
 
 bool IDX_DEV_LA::UseVLMSimplified() { return _UseVLMSimplified; }
 bool IDX_DEV_LA::DWHIndexing() { return _DWHIndexing; }
@@ -120,14 +182,10 @@ std::uint32_t IDX_DEV_LA::MaxMemorySizeForAllBuildersinMB() {
 }
 int IDX_DEV_LA::KeepGeneration() { return _KeepGeneration; }
 
-bool IDX_DEV_LA::RunWithCVServlet() {
-  const DevFlag& flag = table::kRunWithCVServlet;
-  if (IsDefined(flag.secondVariable)) return false;
-  const char* value = KORGetEnv(flag.variable);
-  return value == nullptr || std::string_view(value) != "NO";
+bool IDX_DEV_LA::RunWithCVServlet() { return ReadNow<&RunWithCVServlet>().number != 0; }
+bool IDX_DEV_LA::dontKillOrpheanBuilders() {
+  return ReadNow<&dontKillOrpheanBuilders>().number != 0;
 }
-
-bool IDX_DEV_LA::dontKillOrpheanBuilders() { return ReadTruth(table::kDontKillOrpheanBuilders); }
-const char* IDX_DEV_LA::getKORIndexStoragePath() { return ReadText(table::kIndexStoragePath); }
-bool IDX_DEV_LA::isPlmIndexDisabled() { return ReadTruth(table::kPlmIndexDisabled); }
-bool IDX_DEV_LA::isPlmIndexInProcess() { return ReadTruth(table::kPlmIndexInProcess); }
+const char* IDX_DEV_LA::getKORIndexStoragePath() { return ReadNow<&getKORIndexStoragePath>().text; }
+bool IDX_DEV_LA::isPlmIndexDisabled() { return ReadNow<&isPlmIndexDisabled>().number != 0; }
+bool IDX_DEV_LA::isPlmIndexInProcess() { return ReadNow<&isPlmIndexInProcess>().number != 0; }

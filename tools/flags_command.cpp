@@ -16,26 +16,30 @@ namespace {
 using idxbase::detail::DevFlag;
 using idxbase::detail::FlagValue;
 
-constexpr CommandHelp kHelp{
-    "flags", "[--json]",
-    "Lists every development switch: its name (member or accessor of IDX_DEV_LA),\n"
-    "the environment variable it reads, its rule, its value when the variable is\n"
-    "not defined, and its value in this process.\n"
-    "\n"
-    "  --json   print a JSON array of objects with the keys name, variable,\n"
-    "           rule, default and value (true/false, numbers, strings or null)\n"
-    "\n"
-    "Rules:\n"
-    "  switch      FALSE, NO and 0 (exactly) give false, any other value true\n"
-    "  defined     true when the variable (or one of the two) is defined\n"
-    "  undefined   true when the variable is not defined\n"
-    "  number      read like atoi, wrapping modulo 2^32\n"
-    "  seconds     a number of seconds, held in milliseconds\n"
-    "  text        the variable's text; (null) when not defined\n"
-    "  generation  the first variable's number when 1 or more, else the second's\n"
-    "  not-NO      false when the second variable is defined or the value is NO\n"
-    "\"per call\" switches are read at every call; the others once, when the\n"
-    "library is loaded.\n"};
+// The help, with the rules as the switch table states them.
+const CommandHelp& Help() {
+  static const std::string details = [] {
+    std::string text =
+        "Lists every development switch: its name (member or accessor of IDX_DEV_LA),\n"
+        "the environment variable it reads, its rule, its value when the variable is\n"
+        "not defined, and its value in this process.\n"
+        "\n"
+        "  --json   print a JSON array of objects with the keys name, variable,\n"
+        "           rule, default and value (true/false, numbers, strings or null)\n"
+        "\n"
+        "Rules:\n";
+    for (const auto& rule : idxbase::detail::kFlagRules) {
+      char line[160];
+      std::snprintf(line, sizeof line, "  %-10s  %s\n", rule.name, rule.meaning);
+      text += line;
+    }
+    return text +
+           "\"per call\" switches are read at every call; the others once, when the\n"
+           "library is loaded.\n";
+  }();
+  static const CommandHelp help{"flags", "[--json]", details.c_str()};
+  return help;
+}
 
 using Row = std::array<std::string, 5>;
 
@@ -46,7 +50,7 @@ std::string Variables(const DevFlag& flag) {
 }
 
 std::string Rule(const DevFlag& flag) {
-  return std::string(RuleName(flag.rule)) + (flag.readAtEachCall ? ", per call" : "");
+  return std::string(RuleInfo(flag.rule).name) + (flag.ReadAtEachCall() ? ", per call" : "");
 }
 
 std::string Plain(const FlagValue& value) {
@@ -85,9 +89,9 @@ std::string Json(const FlagValue& value) {
 
 void PrintTable() {
   std::vector<Row> rows = {{"NAME", "VARIABLE", "RULE", "DEFAULT", "VALUE"}};
-  for (const DevFlag* flag : idxbase::detail::kDevFlags) {
+  for (const DevFlag& flag : idxbase::detail::kDevFlags) {
     rows.push_back(
-        {flag->name, Variables(*flag), Rule(*flag), Plain(flag->fallback), Plain(flag->current())});
+        {flag.name, Variables(flag), Rule(flag), Plain(flag.fallback), Plain(CurrentValue(flag))});
   }
   std::array<int, 4> widths{};
   for (const Row& row : rows) {
@@ -106,12 +110,12 @@ void PrintTable() {
 void PrintJson() {
   std::printf("[");
   const char* separator = "\n";
-  for (const DevFlag* flag : idxbase::detail::kDevFlags) {
+  for (const DevFlag& flag : idxbase::detail::kDevFlags) {
     std::printf(
         "%s  {\"name\": %s, \"variable\": %s, \"rule\": %s, \"default\": %s, \"value\": %s}",
-        separator, JsonString(flag->name).c_str(), JsonString(Variables(*flag)).c_str(),
-        JsonString(Rule(*flag)).c_str(), Json(flag->fallback).c_str(),
-        Json(flag->current()).c_str());
+        separator, JsonString(flag.name).c_str(), JsonString(Variables(flag)).c_str(),
+        JsonString(Rule(flag)).c_str(), Json(flag.fallback).c_str(),
+        Json(CurrentValue(flag)).c_str());
     separator = ",\n";
   }
   std::printf("\n]\n");
@@ -121,10 +125,10 @@ void PrintJson() {
 
 int FlagsCommand(int argc, char** argv) {
   ParsedArguments arguments;
-  if (!ParseArguments(kHelp, argc, argv, {{"--json", false}}, arguments)) return kExitUsage;
-  if (arguments.help) return PrintHelp(kHelp);
+  if (!ParseArguments(Help(), argc, argv, {{"--json", false}}, arguments)) return kExitUsage;
+  if (arguments.help) return PrintHelp(Help());
   if (!arguments.operands.empty() || arguments.sawSeparator) {
-    return UsageError(kHelp, "takes no operands");
+    return UsageError(Help(), "takes no operands");
   }
   if (arguments.Has("--json")) {
     PrintJson();

@@ -58,14 +58,15 @@ class IDXBASE_API PLMIdxBitArray {
   unsigned int GetBitIndexInByte(unsigned int bit) { return bit & 7; }
   // True when the array has storage and holds bit `bit` of row `row`.
   bool Holds(unsigned int row, unsigned int bit) const {
-    return storage_ != nullptr && row < ROW_COUNT && bit < static_cast<unsigned int>(lengthInBits_);
+    return m_Storage != nullptr && row < ROW_COUNT &&
+           bit < static_cast<unsigned int>(m_LengthInBits);
   }
 
-  unsigned char* storage_ = nullptr;      // ROW_COUNT rows; owned
-  std::int32_t lengthInBits_ = 0;         // bits per row
-  std::int32_t lengthInBytes_ = 0;        // bytes per row
-  std::int32_t totalBytes_ = 0;           // ROW_COUNT * lengthInBytes_
-  std::int32_t rowOffsets_[ROW_COUNT]{};  // byte offset of each row
+  unsigned char* m_Storage = nullptr;      // ROW_COUNT rows; owned
+  std::int32_t m_LengthInBits = 0;         // bits per row
+  std::int32_t m_LengthInBytes = 0;        // bytes per row
+  std::int32_t m_TotalBytes = 0;           // ROW_COUNT * m_LengthInBytes
+  std::int32_t m_RowOffsets[ROW_COUNT]{};  // byte offset of each row
 };
 
 #endif  // IDXBASE_BIT_ARRAY_H_

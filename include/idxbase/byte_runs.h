@@ -99,7 +99,7 @@ class IDXBASE_API IDX_Base_Buffer {
   void MakeUnique();
 
  private:
-  IDX_Base_BufferRep* rep_ = nullptr;
+  IDX_Base_BufferRep* m_Rep = nullptr;
 };
 
 // A byte array that owns a copy of its bytes and can hash, order and print
@@ -158,7 +158,7 @@ class IDXBASE_API IDX_Base_ByteArray {
   void DumpPrintable() const;
 
  private:
-  IDX_Base_ByteArrayRep* rep_ = nullptr;
+  IDX_Base_ByteArrayRep* m_Rep = nullptr;
 };
 
 #endif  // IDXBASE_BYTE_RUNS_H_

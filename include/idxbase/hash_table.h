@@ -79,9 +79,9 @@ class IDXBASE_API BBDVerySimpleHashTable {
     // Positioned on the first element of `table`.
     explicit BBDVerySimpleHashTableIterator(BBDVerySimpleHashTable& table);
 
-    BBDVerySimpleHashTable* table_;
-    LinkedListElem* current_;  // null once the walk is over
-    std::int32_t bucket_;      // current chain; the bucket count once over
+    BBDVerySimpleHashTable* m_Table;
+    LinkedListElem* m_Current;  // null once the walk is over
+    std::int32_t m_Bucket;      // current chain; the bucket count once over
   };
 
   BBDVerySimpleHashTable(const BBDVerySimpleHashTable& other);
@@ -113,9 +113,9 @@ class IDXBASE_API BBDVerySimpleHashTable {
   // (null, with a trace, when memory runs out); without, null.
   LinkedListElem* GetElemFromKey(int key, bool create);
 
-  std::int32_t bucketCount_;  // a power of two; 0 only without memory
-  std::int32_t elementSize_;  // value bytes per node
-  LinkedListElem** buckets_;  // chain heads, null for an empty chain
+  std::int32_t m_BucketCount;  // a power of two; 0 only without memory
+  std::int32_t m_ElementSize;  // value bytes per node
+  LinkedListElem** m_Buckets;  // chain heads, null for an empty chain
 };
 
 #endif  // IDXBASE_HASH_TABLE_H_

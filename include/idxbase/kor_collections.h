@@ -45,10 +45,10 @@ class IDXBASE_API KORRawCollPV : public KORCollecRoot {
   KORRawCollPV& operator=(const KORRawCollPV&) = default;
   ~KORRawCollPV() override;
 
-  int Size() const { return static_cast<int>(elements_.size()); }
+  int Size() const { return static_cast<int>(m_Elements.size()); }
   void*& operator[](int position);
   void* operator[](int position) const {
-    return IsValid(position) ? elements_[static_cast<std::size_t>(position - 1)] : nullptr;
+    return IsValid(position) ? m_Elements[static_cast<std::size_t>(position - 1)] : nullptr;
   }
 
   // Appends `element`; returns its position.
@@ -78,8 +78,8 @@ class IDXBASE_API KORRawCollPV : public KORCollecRoot {
  private:
   bool IsValid(int position) const { return position >= 1 && position <= Size(); }
 
-  std::vector<void*> elements_;
-  void* scratch_ = nullptr;
+  std::vector<void*> m_Elements;
+  void* m_Scratch = nullptr;
 };
 
 // A value list of strings, positions from 1. Owns its strings; copies are
@@ -94,7 +94,7 @@ class IDXBASE_API KORListValKORUnicodeString : public KORCollecRoot {
   KORListValKORUnicodeString& operator=(const KORListValKORUnicodeString&) = default;
   ~KORListValKORUnicodeString() override;
 
-  int Size() const { return static_cast<int>(elements_.size()); }
+  int Size() const { return static_cast<int>(m_Elements.size()); }
   // Appends a copy of `text`; returns its position.
   int Append(const KORUnicodeString& text);
   KORUnicodeString& operator[](int position);
@@ -106,8 +106,8 @@ class IDXBASE_API KORListValKORUnicodeString : public KORCollecRoot {
   bool operator!=(const KORListValKORUnicodeString& other) const;
 
  private:
-  std::vector<KORUnicodeString> elements_;
-  KORUnicodeString scratch_;
+  std::vector<KORUnicodeString> m_Elements;
+  KORUnicodeString m_Scratch;
 };
 
 #endif  // IDXBASE_KOR_COLLECTIONS_H_

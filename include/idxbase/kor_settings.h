@@ -41,12 +41,12 @@ class IDXBASE_API KORSettingRepository {
                                              KORISysSettingController* controller);
 
   // The repository's name, as given to GetRepository.
-  const KORUnicodeString& GetName() const { return name_; }
+  const KORUnicodeString& GetName() const { return m_Name; }
   // Sets `value` to the setting `key` and returns true; returns false,
   // leaving `value` unchanged, when the repository has no such key.
   bool GetValue(const char* key, KORUnicodeString& value) const;
   // Number of settings held.
-  int Size() const { return static_cast<int>(values_.size()); }
+  int Size() const { return static_cast<int>(m_Values.size()); }
 
   KORSettingRepository(const KORSettingRepository&) = delete;
   KORSettingRepository& operator=(const KORSettingRepository&) = delete;
@@ -54,8 +54,8 @@ class IDXBASE_API KORSettingRepository {
  private:
   KORSettingRepository(const char* name, std::map<std::string, std::string> values);
 
-  KORUnicodeString name_;
-  std::map<std::string, std::string> values_;
+  KORUnicodeString m_Name;
+  std::map<std::string, std::string> m_Values;
 };
 
 #endif  // IDXBASE_KOR_SETTINGS_H_

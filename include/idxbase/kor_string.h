@@ -38,8 +38,8 @@ class IDXBASE_API KORUnicodeString {
   int GetLengthInChar() const;
   // Zero-terminated UTF-8; valid until the string is next changed or
   // destroyed. Both names give the same bytes.
-  const char* ConvertToChar() const { return text_.c_str(); }
-  const char* CastToCharPtr() const { return text_.c_str(); }
+  const char* ConvertToChar() const { return m_Text.c_str(); }
+  const char* CastToCharPtr() const { return m_Text.c_str(); }
 
   // Replaces the content with `value` formatted by the printf-style
   // `format`, which must hold exactly one conversion for that type
@@ -57,7 +57,7 @@ class IDXBASE_API KORUnicodeString {
   void ConvertToUTF8(char* buffer, unsigned long long* size) const;
 
  private:
-  std::string text_;
+  std::string m_Text;
 };
 
 IDXBASE_API KORUnicodeString operator+(const KORUnicodeString& left, const KORUnicodeString& right);
@@ -97,8 +97,8 @@ class IDXBASE_API KORSysTSUnicodeString {
   KORUnicodeString ToUnicodeString() const;
 
  private:
-  mutable std::mutex mutex_;
-  KORUnicodeString text_;
+  mutable std::mutex m_Mutex;
+  KORUnicodeString m_Text;
 };
 
 IDXBASE_API KORSysTSUnicodeString operator+(const KORSysTSUnicodeString& left,

@@ -91,18 +91,18 @@ class IDXBASE_API KORThreads {
   void RunBody(void* argument);
   void JoinFinished();
 
-  std::string name_;
-  void* argument_ = nullptr;
-  Function function_ = nullptr;
-  void* functionArgument_ = nullptr;
+  std::string m_Name;
+  void* m_Argument = nullptr;
+  Function m_Function = nullptr;
+  void* m_FunctionArgument = nullptr;
 
-  mutable std::mutex mutex_;
-  std::condition_variable stopChanged_;
-  std::thread thread_;
-  bool stopRequested_ = false;
-  int status_ = KORThreadIdle;
-  int returnCode_ = 0;
-  std::uint64_t threadId_ = 0;
+  mutable std::mutex m_Mutex;
+  std::condition_variable m_StopChanged;
+  std::thread m_Thread;
+  bool m_StopRequested = false;
+  int m_Status = KORThreadIdle;
+  int m_ReturnCode = 0;
+  std::uint64_t m_ThreadId = 0;
 };
 
 #endif  // IDXBASE_KOR_THREADS_H_

@@ -33,14 +33,14 @@ class IDXBASE_API KORTime {
 
   // The moment `seconds` after 1970-01-01 00:00:00 UTC.
   static KORTime FromEpochSeconds(std::int64_t seconds);
-  std::int64_t GetEpochSeconds() const { return seconds_; }
+  std::int64_t GetEpochSeconds() const { return m_Seconds; }
 
-  bool operator<(const KORTime& other) const { return seconds_ < other.seconds_; }
-  bool operator<=(const KORTime& other) const { return seconds_ <= other.seconds_; }
-  bool operator>(const KORTime& other) const { return seconds_ > other.seconds_; }
-  bool operator>=(const KORTime& other) const { return seconds_ >= other.seconds_; }
-  bool operator==(const KORTime& other) const { return seconds_ == other.seconds_; }
-  bool operator!=(const KORTime& other) const { return seconds_ != other.seconds_; }
+  bool operator<(const KORTime& other) const { return m_Seconds < other.m_Seconds; }
+  bool operator<=(const KORTime& other) const { return m_Seconds <= other.m_Seconds; }
+  bool operator>(const KORTime& other) const { return m_Seconds > other.m_Seconds; }
+  bool operator>=(const KORTime& other) const { return m_Seconds >= other.m_Seconds; }
+  bool operator==(const KORTime& other) const { return m_Seconds == other.m_Seconds; }
+  bool operator!=(const KORTime& other) const { return m_Seconds != other.m_Seconds; }
 
   // Calendar fields in the given time zone: the full year, month 1-12,
   // day 1-31, day of year 1-366 (1 for 1 January), hour 0-23, minute
@@ -59,9 +59,9 @@ class IDXBASE_API KORTime {
   KORUnicodeString ConvertToString(const char* strftimeFormat, KORTz tz) const;
 
  private:
-  explicit KORTime(std::int64_t seconds) : seconds_(seconds) {}
+  explicit KORTime(std::int64_t seconds) : m_Seconds(seconds) {}
 
-  std::int64_t seconds_;
+  std::int64_t m_Seconds;
 };
 
 #endif  // IDXBASE_KOR_TIME_H_

@@ -19,18 +19,10 @@
 // dontKillOrpheanBuilders, getKORIndexStoragePath, isPlmIndexDisabled,
 // isPlmIndexInProcess) read their variables afresh at every call instead.
 //
-// How a variable is read depends on the switch:
-//   defined    true when the variable is defined, whatever its value;
-//   undefined  true when the variable is not defined;
-//   switch     the default when not defined; otherwise false exactly for
-//              the values "FALSE", "NO" and "0" (byte for byte), true for
-//              anything else, the empty value included;
-//   number     the default when not defined; otherwise the value read like
-//              atoi: leading white space, an optional sign, the decimal
-//              digits up to the first other character (none gives 0). The
-//              digits are accumulated modulo 2^32, so a value out of range
-//              wraps instead of being undefined; unsigned members take the
-//              32-bit result as it stands.
+// Every switch's variable, reading rule and default are listed once, in
+// the switch table of the library's sources (services/dev_flag_table.h),
+// which the loader reads and `idxbase flags` prints with the values in
+// effect.
 //
 // The library itself consults none of these switches; the engine does.
 class IDXBASE_API IDX_DEV_LA {
@@ -45,7 +37,7 @@ class IDXBASE_API IDX_DEV_LA {
   static bool ForcePostProcRep();
   static bool EvalAllAtMaybe();
   static bool IsPersistantConfigCacheActive();
-  // A copy of the value of IDXConfigCacheDir ("" when not defined).
+  // Returns a copy.
   static KORUnicodeString GetPersistantConfigCacheDir();
   static bool IsRTreeBuildActive();
   static bool IsRTreeDisabledRT();
@@ -65,59 +57,49 @@ class IDXBASE_API IDX_DEV_LA {
   static int KeepGeneration();
 
   // Read at every call.
-  // False when IDXKeepPreviousGeneration is defined; otherwise false only
-  // when RUN_WITH_CVSERVLET is exactly "NO".
   static bool RunWithCVServlet();
-  // True when QBR_PMX_TMP or IDXDontKillOrpheanBuilders is defined.
   static bool dontKillOrpheanBuilders();
-  // The value of KORIndexStoragePath (owned by the environment), or null.
+  // The variable's text is owned by the environment; null when not defined.
   static const char* getKORIndexStoragePath();
-  // PLM_INDEX_DISABLED is defined.
   static bool isPlmIndexDisabled();
-  // PLM_INDEX_INPROCESS is defined.
   static bool isPlmIndexInProcess();
 
-  // Member (variable, rule, default when the variable is not defined).
-  static bool _FastCV;                                // IDXFastCV, switch, true
-  static bool _FastCVWrap;                            // IDXFastCVWrap, switch, true
-  static bool _FastCVNames;                           // IDXFastCVNames, switch, true
-  static bool _FastCVRootIds;                         // IDXFastCVRootIds, switch, true
-  static bool _FastCVBBoxes;                          // IDXFastCVBBoxes, switch, true
-  static bool _Log2CV;                                // IDXLog2CV, switch, false
-  static bool _Log2CVPerfo;                           // IDXLog2CVPerfo, switch, false
-  static bool _ForceOctreeWithThbOnly;                // IDXForceOctreeWithThbOnly, switch, false
-  static bool _UseVLMSimplified;                      // IDX_DO_NOT_USE_SimplifiedVLM, undefined
-  static bool _DWHIndexing;                           // IDX_NO_INDEX_DWH, undefined
-  static bool _AdvancedMigration;                     // NO_ADVANCED_MIGRATION, undefined
-  static bool _IndexTextOnly;                         // IDXDisableTextOnly, undefined
-  static bool _postProcRep;                           // IDXDisableForcePostProcRep, undefined
-  static bool _postProcAllObjects;                    // IDXEvalAllAtMaybe, defined
-  static bool _PersistantConfigCacheActive;           // IDXConfigCacheDir, defined
-  static KORUnicodeString _PersistantConfigCacheDir;  // IDXConfigCacheDir, its text, ""
-  static bool _BuildRTree;                            // IDXBuildRTree, defined
-  static bool _DisableRTree;                          // IDXDisableRTree, defined
-  static bool _OldBBComputation;                      // IDXOldBBComputation, defined
-  static bool _CheckMemoryConsistency;                // KORQuillonCheckMemoryConsistency, defined
-  static bool _RecoverInstance;                       // IDXRecoverInstance, defined
-  static int _RecoverInstanceSeconds;  // IDXRecoverInstanceSecondsNumber, number, 7200
-  static bool _KeepLocalTaskLog;       // IDXKeepLocalTaskLog, defined
-  static bool _IndexPrivateReps;       // IDXIndexPrivateReps, defined
-  static bool _ReadableTimeStampsForBBDMonitorFolders;  // ReadableTimestampsForBBDMonitorFolders,
-                                                        // defined
-  static bool IDXUseQuillonSecurityInsteadOfOCDX;  // IDXUseQuillonSecurityInsteadOfOCDX, defined
-  static bool _UseDeleteLog;                       // IDXUseDeleteLog, defined
-  static bool _SimilarBSFFilter;                   // IDXSimilarBSFFilter, defined
-  static bool _newSecuEnabled;                     // IDXNewSecu, defined
-  // IDXQueryMaxDuration (seconds), number times 1000 (32-bit product), 0
+  // Set at load (the accessors above return most of them).
+  static bool _FastCV;
+  static bool _FastCVWrap;
+  static bool _FastCVNames;
+  static bool _FastCVRootIds;
+  static bool _FastCVBBoxes;
+  static bool _Log2CV;
+  static bool _Log2CVPerfo;
+  static bool _ForceOctreeWithThbOnly;
+  static bool _UseVLMSimplified;
+  static bool _DWHIndexing;
+  static bool _AdvancedMigration;
+  static bool _IndexTextOnly;
+  static bool _postProcRep;
+  static bool _postProcAllObjects;
+  static bool _PersistantConfigCacheActive;
+  static KORUnicodeString _PersistantConfigCacheDir;
+  static bool _BuildRTree;
+  static bool _DisableRTree;
+  static bool _OldBBComputation;
+  static bool _CheckMemoryConsistency;
+  static bool _RecoverInstance;
+  static int _RecoverInstanceSeconds;
+  static bool _KeepLocalTaskLog;
+  static bool _IndexPrivateReps;
+  static bool _ReadableTimeStampsForBBDMonitorFolders;
+  static bool IDXUseQuillonSecurityInsteadOfOCDX;
+  static bool _UseDeleteLog;
+  static bool _SimilarBSFFilter;
+  static bool _newSecuEnabled;
   static std::uint32_t _QueryTimerMilliSecond;
-  // IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs, number, 0
   static std::uint32_t _DerivedObjectComputationTimeLimitForBuilderLogsInMs;
-  // Both read IDX_MaxMemorySizeForBuilderInMB, number; defaults 7000 and 196000.
   static std::uint32_t _MaxMemorySizeForBuilderInMB;
   static std::uint32_t _MaxMemorySizeForAllBuildersInMB;
-  static int _KeepGeneration1;  // IDXKeepPreviousGeneration, number, -1
-  static int _KeepGeneration2;  // KeepPreviousGeneration, number, -1
-  // _KeepGeneration1 when it is 1 or more, otherwise _KeepGeneration2.
+  static int _KeepGeneration1;
+  static int _KeepGeneration2;
   static int _KeepGeneration;
 };
 

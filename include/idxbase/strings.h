@@ -64,7 +64,7 @@ class IDXBASE_API IDX_Base_String {
   void Dump() const;
 
  private:
-  IDX_Base_StringRep* rep_ = nullptr;
+  IDX_Base_StringRep* m_Rep = nullptr;
 };
 
 // An abstract binary identifier: the subclass supplies and keeps the
@@ -138,7 +138,7 @@ class IDXBASE_API KORListValIDX_Base_String : public KORCollecRoot {
   int operator!=(const KORListValIDX_Base_String& other) const;
 
  private:
-  KORRawCollPV elements_;  // IDX_Base_String* owned by the list
+  KORRawCollPV m_Elements;  // IDX_Base_String* owned by the list
 };
 
 #endif  // IDXBASE_STRINGS_H_

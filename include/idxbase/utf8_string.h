@@ -52,8 +52,8 @@ class IDXBASE_API BBDUTF8String {
   static void ConvertToUTF8(const KORUnicodeString& text, char*& buffer, unsigned long long& size);
 
  private:
-  char* buffer_ = nullptr;       // owned; zero-terminated
-  unsigned long long size_ = 0;  // bytes before the terminating zero
+  char* m_Buffer = nullptr;       // owned; zero-terminated
+  unsigned long long m_Size = 0;  // bytes before the terminating zero
 };
 
 #endif  // IDXBASE_UTF8_STRING_H_

@@ -8,6 +8,7 @@
 
 #include "byte_run_test_support.h"
 #include "idxbase/byte_runs.h"
+#include "support/allocation_faults.h"
 
 namespace {
 
@@ -52,6 +53,15 @@ TEST(ByteArray, RewritingKeepsCapacityAndZeroFillsTheTail) {
   EXPECT_EQ(idxbase_test::Text(storage, 6), std::string("cde\0\0\0", 6));
   array.Clear();
   EXPECT_EQ(array.GetData(), storage);
+  EXPECT_EQ(array.GetSize(), 0u);
+}
+
+TEST(ByteArray, SetDataThatCannotGrowReleasesTheBytes) {
+  IDX_Base_ByteArray array;
+  array.SetData(Bytes("ab"), 2);
+  idxbase_test::AllocationFaults failing;
+  array.SetData(Bytes("abc"), 3);
+  EXPECT_EQ(array.GetData(), nullptr);
   EXPECT_EQ(array.GetSize(), 0u);
 }
 

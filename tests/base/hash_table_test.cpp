@@ -15,6 +15,7 @@
 #include "base/hash_table_internal.h"
 #include "byte_run_test_support.h"
 #include "idxbase/hashing.h"
+#include "support/allocation_faults.h"
 
 namespace {
 
@@ -70,18 +71,6 @@ std::vector<int> Keys(const Elements& elements) {
   for (const auto& element : elements) keys.push_back(element.first);
   return keys;
 }
-
-// Makes every allocation of the table fail while it lives.
-class FailingAllocations {
- public:
-  FailingAllocations() : saved_(idxbase::detail::hashTableAllocate) {
-    idxbase::detail::hashTableAllocate = [](std::size_t) -> void* { return nullptr; };
-  }
-  ~FailingAllocations() { idxbase::detail::hashTableAllocate = saved_; }
-
- private:
-  idxbase::detail::HashTableAllocator saved_;
-};
 
 TEST(HashTableBucketCount, AboutTwoKeysPerBucket) {
   // clang-format off
@@ -220,7 +209,7 @@ TEST(HashTable, ReportsAllocationFailure) {
   target.Put(9, 90);
   std::optional<RecordTable> unallocated;
   {
-    FailingAllocations failing;
+    idxbase_test::AllocationFaults failing;
     EXPECT_EQ(TraceOf([&] { unallocated.emplace(10); }),
               "BBDVerySimpleHashTable: no memory for 8 buckets; the table stays empty\n");
     EXPECT_EQ(TraceOf([&] { unallocated->Put(1, 1); }),

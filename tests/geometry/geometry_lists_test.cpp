@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "geometry/record_list.h"
+#include "support/allocation_faults.h"
 
 namespace {
 
 using idxbase::detail::GrownListCapacity;
-using idxbase::detail::RecordList;
 
 TEST(ListGrowth, DoublesUpToAHundredMebibytesThenAddsAMillion) {
   const struct {
@@ -29,82 +29,46 @@ TEST(ListGrowth, DoublesUpToAHundredMebibytesThenAddsAMillion) {
   for (const auto& c : kCases) EXPECT_EQ(GrownListCapacity(c.capacity), c.grown) << c.capacity;
 }
 
-// A realloc that records the sizes asked for and fails on demand.
-struct Allocations {
-  static void* Reallocate(void* storage, std::size_t bytes) {
-    ++calls;
-    sizes.push_back(bytes);
-    if (failures > 0) {
-      --failures;
-      return nullptr;
-    }
-    return std::realloc(storage, bytes);
-  }
-  static void Reset(int fail) {
-    calls = 0;
-    failures = fail;
-    sizes.clear();
-  }
-  static inline int calls = 0;
-  static inline int failures = 0;
-  static inline std::vector<std::size_t> sizes;
-};
+// The sizes asked of the allocator show the capacities: 12 bytes a record.
+TEST(PointList, GrowsOnlyWhenFull) {
+  idxbase_test::AllocationFaults allocations(0);
+  IDX_Base_ListOf_Point list(0);  // one more than asked
+  for (int n = 0; n < 5; ++n) EXPECT_EQ(list.Append({static_cast<float>(n), 0, 0}), IDX_True);
+  EXPECT_EQ(allocations.sizes(), (std::vector<std::size_t>{12, 24, 48, 96}));
+  for (unsigned int n = 0; n < list.Size(); ++n) EXPECT_EQ(list.GetArray()[n].x, n);
 
-// The three fields of a list, with a view that allocates through
-// Allocations.
-struct TestList {
-  explicit TestList(unsigned int initialSize) { View().Create(initialSize); }
-  ~TestList() { View().Destroy(); }
-  RecordList<IDX_Point> View() { return {array, capacity, size, Allocations::Reallocate}; }
-  IDX_Bool Append(float x) { return View().Append({x, 0, 0}); }
-
-  IDX_Point* array;
-  std::uint32_t capacity, size;
-};
-
-TEST(RecordList, GrowsOnlyWhenFull) {
-  Allocations::Reset(0);
-  TestList list(0);
-  EXPECT_EQ(list.capacity, 1u);  // one more than asked
-  for (int n = 0; n < 5; ++n) EXPECT_EQ(list.Append(static_cast<float>(n)), IDX_True);
-  EXPECT_EQ(Allocations::sizes, (std::vector<std::size_t>{12, 24, 48, 96}));
-  for (unsigned int n = 0; n < list.size; ++n) EXPECT_EQ(list.array[n].x, static_cast<float>(n));
-
-  Allocations::Reset(0);
-  TestList three(3);
-  for (int n = 0; n < 5; ++n) three.Append(0);
-  EXPECT_EQ(Allocations::sizes, (std::vector<std::size_t>{48, 96}));  // grows at the fifth
-  EXPECT_EQ(three.capacity, 8u);
+  allocations.Reset(0);
+  IDX_Base_ListOf_Point three(3);
+  for (int n = 0; n < 5; ++n) three.Append({});
+  EXPECT_EQ(allocations.sizes(), (std::vector<std::size_t>{48, 96}));  // grows at the fifth
 }
 
-TEST(RecordList, EachGrowthTriesElevenTimes) {
-  Allocations::Reset(0);
-  TestList list(1);
-  list.Append(1);
-  list.Append(2);
-  Allocations::Reset(10);  // the eleventh attempt succeeds
-  ASSERT_EQ(list.Append(3), IDX_True);
-  EXPECT_EQ(Allocations::calls, 11);
-  EXPECT_EQ(list.capacity, 4u);
-  EXPECT_EQ(list.array[1].x, 2);
+TEST(PointList, EachGrowthTriesElevenTimes) {
+  idxbase_test::AllocationFaults allocations(0);
+  IDX_Base_ListOf_Point list(1);
+  list.Append({1, 0, 0});
+  list.Append({2, 0, 0});
+  allocations.Reset(10);  // the eleventh attempt succeeds
+  ASSERT_EQ(list.Append({3, 0, 0}), IDX_True);
+  EXPECT_EQ(allocations.sizes(), std::vector<std::size_t>(11, 48));
+  EXPECT_EQ(list.GetArray()[1].x, 2);
 
-  list.Append(4);
-  Allocations::Reset(11);  // all eleven fail: the list loses everything
-  EXPECT_EQ(list.Append(5), IDX_False);
-  EXPECT_EQ(Allocations::calls, 11);
-  EXPECT_EQ(list.array, nullptr);
-  EXPECT_EQ(list.capacity, 0u);
-  EXPECT_EQ(list.size, 0u);
-  EXPECT_EQ(list.Append(6), IDX_False);  // and refuses the rest without trying
-  EXPECT_EQ(Allocations::calls, 11);
+  list.Append({4, 0, 0});
+  allocations.Reset(11);  // all eleven fail: the list loses everything
+  EXPECT_EQ(list.Append({5, 0, 0}), IDX_False);
+  EXPECT_EQ(allocations.sizes().size(), 11u);
+  EXPECT_EQ(list.GetArray(), nullptr);
+  EXPECT_EQ(list.Size(), 0u);
+  EXPECT_EQ(list.Append({6, 0, 0}), IDX_False);  // and refuses the rest without trying
+  EXPECT_EQ(allocations.sizes().size(), 11u);
 }
 
-TEST(RecordList, FailedCreationRefusesAppends) {
-  Allocations::Reset(1);
-  TestList list(10);
-  EXPECT_EQ(list.capacity, 0u);
-  EXPECT_EQ(list.Append(1), IDX_False);
-  EXPECT_EQ(Allocations::calls, 1);  // creation is not retried, Append does not try
+TEST(TriangleList, FailedCreationRefusesAppends) {
+  idxbase_test::AllocationFaults allocations(1);
+  IDX_Base_ListOf_Triangle list(10);
+  EXPECT_EQ(list.Append({}), IDX_False);
+  EXPECT_EQ(list.GetArray(), nullptr);
+  EXPECT_EQ(allocations.sizes().size(), 1u);  // creation is not retried, Append does not try
 }
 
 TEST(PointList, RemoveAllKeepsTheStorage) {

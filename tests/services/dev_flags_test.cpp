@@ -1,136 +1,180 @@
-// The switches are read while the library loads, so each environment runs
-// the idxbase tool in a child process and reads the value column of the
-// table it prints.
+// The switch loader under environments of the test's choosing: in process
+// through its environment parameter, and once in a child process to show
+// that the library reads the real environment while it is loaded.
+#include "services/dev_flags.h"
+
 #include <gtest/gtest.h>
 
 #include <map>
 #include <sstream>
 #include <string>
 
+#include "idxbase/kor_system.h"
+#include "idxbase/settings.h"
+#include "platform/scoped_env.h"
 #include "support/child_process.h"
 
 namespace {
 
-using Flags = std::map<std::string, std::string>;
+using F = IDX_DEV_LA;
+using idxbase::detail::kDevFlags;
+using idxbase::detail::LoadDevFlags;
+using idxbase::detail::ParseInteger;
 
-// The tool's table under `env` ("NAME=value;NAME=value"), as name -> value
-// without the quotes around text values.
-Flags FlagsUnder(const std::string& env) {
-  std::map<std::string, std::string> variables;
-  std::istringstream assignments(env);
-  for (std::string item; std::getline(assignments, item, ';');) {
-    variables[item.substr(0, item.find('='))] = item.substr(item.find('=') + 1);
-  }
-  const idxbase_test::ChildResult child =
-      idxbase_test::RunChild({idxbase_test::BuiltProgram("tools/idxbase"), "flags"}, variables);
-  EXPECT_EQ(0, child.exitCode) << child.output;
-  std::istringstream lines(child.output);
-  std::string header;
-  std::getline(lines, header);
-  const std::size_t column = header.find("VALUE");
-  EXPECT_NE(std::string::npos, column) << child.output;
-  Flags flags;
-  for (std::string line; std::getline(lines, line);) {
-    std::string value = column < line.size() ? line.substr(column) : "";
-    if (value.size() >= 2 && value.front() == '"' && value.back() == '"') {
-      value = value.substr(1, value.size() - 2);
+std::string Show(bool value) { return value ? "true" : "false"; }
+template <class Number>
+std::string Show(Number value) {
+  return std::to_string(value);
+}
+std::string Show(const char* text) { return text == nullptr ? "(null)" : text; }
+std::string Show(const KORUnicodeString& text) { return text.ConvertToChar(); }
+
+class DevFlags : public ::testing::Test {
+ protected:
+  void TearDown() override { LoadDevFlags(KORGetEnv); }
+
+  // Loads the switches from `assignments` ("NAME=value;...") alone, makes
+  // them the process's only switch variables for the accessors that read
+  // at every call, and returns `read()`.
+  static std::string Under(const std::string& assignments, std::string (*read)()) {
+    std::map<std::string, std::string> env;
+    std::istringstream items(assignments);
+    for (std::string item; std::getline(items, item, ';');) {
+      env[item.substr(0, item.find('='))] = item.substr(item.find('=') + 1);
     }
-    flags[line.substr(0, line.find(' '))] = value;
+    idxbase_test::ScopedEnv scoped;
+    for (const auto& flag : kDevFlags) {
+      for (const char* name : {flag.variable, flag.secondVariable}) {
+        if (name != nullptr) scoped.Set(name, std::nullopt);
+      }
+    }
+    for (const auto& [name, value] : env) scoped.Set(name, value);
+    LoadDevFlags([&env](const char* name) -> const char* {
+      const auto found = env.find(name);
+      return found == env.end() ? nullptr : found->second.c_str();
+    });
+    return read();
   }
-  return flags;
-}
+};
 
-TEST(DevFlags, DefaultsWithAnEmptyEnvironment) {
-  std::istringstream defaults(
-      "_FastCV=true _FastCVWrap=true _FastCVNames=true _FastCVRootIds=true _FastCVBBoxes=true "
-      "_Log2CV=false _Log2CVPerfo=false _ForceOctreeWithThbOnly=false _OldBBComputation=false "
-      "IDXUseQuillonSecurityInsteadOfOCDX=false _KeepGeneration1=-1 _KeepGeneration2=-1 "
-      "UseVLMSimplified()=true DWHIndexing()=true AdvancedMigration()=true "
-      "IsIndexTextOnly()=true ForcePostProcRep()=true EvalAllAtMaybe()=false "
-      "IsPersistantConfigCacheActive()=false GetPersistantConfigCacheDir()= "
-      "IsRTreeBuildActive()=false IsRTreeDisabledRT()=false CheckMemoryConsistency()=false "
-      "IsRecoverInstance()=false RecoverInstanceSeconds()=7200 KeepLocalTaskLog()=false "
-      "IndexPrivateReps()=false ReadableTimeStampsForBBDMonitorFolders()=false "
-      "UseDeleteLog()=false IsSimilarBSFFilter()=false IsNewSecuEnabled()=false "
-      "QueryTimerMilliSecond()=0 DerivedObjectComputationTimeLimitForBuilderLogsInMs()=0 "
-      "MaxMemorySizeForBuilderInMB()=7000 MaxMemorySizeForAllBuildersinMB()=196000 "
-      "KeepGeneration()=-1 RunWithCVServlet()=true dontKillOrpheanBuilders()=false "
-      "getKORIndexStoragePath()=(null) isPlmIndexDisabled()=false isPlmIndexInProcess()=false");
-  Flags expected;
-  for (std::string item; defaults >> item;) {
-    expected[item.substr(0, item.find('='))] = item.substr(item.find('=') + 1);
-  }
-  EXPECT_EQ(expected, FlagsUnder(""));
-}
+#define READ(expression) [] { return Show(expression); }
 
-TEST(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
+TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
   const struct {
     const char* env;
-    const char* flag;
+    std::string (*read)();
     const char* expected;
   } kCases[] = {
+      // Nothing defined: the defaults.
+      {"", READ(F::_FastCV && F::_FastCVWrap && F::_FastCVNames && F::_FastCVRootIds), "true"},
+      {"", READ(F::_Log2CV || F::EvalAllAtMaybe() || F::IsRTreeBuildActive()), "false"},
+      {"", READ(F::UseVLMSimplified() && F::DWHIndexing() && F::AdvancedMigration()), "true"},
+      {"", READ(F::IsIndexTextOnly() && F::ForcePostProcRep()), "true"},
+      {"", READ(F::KeepGeneration()), "-1"},
+      {"", READ(F::RecoverInstanceSeconds()), "7200"},
+      {"", READ(F::MaxMemorySizeForBuilderInMB()), "7000"},
+      {"", READ(F::MaxMemorySizeForAllBuildersinMB()), "196000"},
+      {"", READ(F::QueryTimerMilliSecond()), "0"},
+      {"", READ(F::GetPersistantConfigCacheDir()), ""},
+      {"", READ(F::RunWithCVServlet()), "true"},
+      {"", READ(F::dontKillOrpheanBuilders() || F::isPlmIndexInProcess()), "false"},
+      {"", READ(F::getKORIndexStoragePath()), "(null)"},
       // Switches: only the exact words FALSE, NO and 0 turn one off.
-      {"IDXFastCV=FALSE", "_FastCV", "false"},
-      {"IDXFastCV=NO", "_FastCV", "false"},
-      {"IDXFastCV=0", "_FastCV", "false"},
-      {"IDXFastCV=false", "_FastCV", "true"},
-      {"IDXFastCV=no", "_FastCV", "true"},
-      {"IDXFastCV=00", "_FastCV", "true"},
-      {"IDXFastCV= 0", "_FastCV", "true"},
-      {"IDXFastCV=", "_FastCV", "true"},
-      {"IDXFastCVBBoxes=NO", "_FastCVBBoxes", "false"},
-      {"IDXLog2CV=1", "_Log2CV", "true"},
-      {"IDXLog2CV=FALSE", "_Log2CV", "false"},
-      {"IDXLog2CVPerfo=", "_Log2CVPerfo", "true"},
-      {"IDXForceOctreeWithThbOnly=yes", "_ForceOctreeWithThbOnly", "true"},
+      {"IDXFastCV=FALSE", READ(F::_FastCV), "false"},
+      {"IDXFastCV=NO", READ(F::_FastCV), "false"},
+      {"IDXFastCV=0", READ(F::_FastCV), "false"},
+      {"IDXFastCV=false", READ(F::_FastCV), "true"},
+      {"IDXFastCV=no", READ(F::_FastCV), "true"},
+      {"IDXFastCV=00", READ(F::_FastCV), "true"},
+      {"IDXFastCV= 0", READ(F::_FastCV), "true"},
+      {"IDXFastCV=", READ(F::_FastCV), "true"},
+      {"IDXFastCVWrap=0;IDXFastCVNames=0;IDXFastCVRootIds=0;IDXFastCVBBoxes=NO",
+       READ(F::_FastCVWrap || F::_FastCVNames || F::_FastCVRootIds || F::_FastCVBBoxes), "false"},
+      {"IDXLog2CV=1", READ(F::_Log2CV), "true"},
+      {"IDXLog2CV=FALSE", READ(F::_Log2CV), "false"},
+      {"IDXLog2CVPerfo=;IDXForceOctreeWithThbOnly=yes",
+       READ(F::_Log2CVPerfo && F::_ForceOctreeWithThbOnly), "true"},
       // Defined or not: any value counts, "0" and the empty value included.
-      {"IDXEvalAllAtMaybe=0", "EvalAllAtMaybe()", "true"},
-      {"IDXBuildRTree=", "IsRTreeBuildActive()", "true"},
-      {"IDXDisableRTree=FALSE", "IsRTreeDisabledRT()", "true"},
-      {"KORQuillonCheckMemoryConsistency=x", "CheckMemoryConsistency()", "true"},
-      {"ReadableTimestampsForBBDMonitorFolders=1", "ReadableTimeStampsForBBDMonitorFolders()",
+      {"IDXEvalAllAtMaybe=0", READ(F::EvalAllAtMaybe()), "true"},
+      {"IDXBuildRTree=;IDXDisableRTree=FALSE;IDXOldBBComputation=0;IDXNewSecu=NO",
+       READ(F::IsRTreeBuildActive() && F::IsRTreeDisabledRT() && F::_OldBBComputation &&
+            F::IsNewSecuEnabled()),
        "true"},
-      {"ReadableTimeStampsForBBDMonitorFolders=1", "ReadableTimeStampsForBBDMonitorFolders()",
-       "false"},
-      {"IDXNewSecu=NO", "IsNewSecuEnabled()", "true"},
-      {"IDXConfigCacheDir=/var/cache/idx", "IsPersistantConfigCacheActive()", "true"},
-      {"IDXConfigCacheDir=/var/cache/idx", "GetPersistantConfigCacheDir()", "/var/cache/idx"},
-      {"IDX_DO_NOT_USE_SimplifiedVLM=0", "UseVLMSimplified()", "false"},
-      {"IDX_NO_INDEX_DWH=", "DWHIndexing()", "false"},
-      {"NO_ADVANCED_MIGRATION=1", "AdvancedMigration()", "false"},
-      {"IDXDisableTextOnly=1", "IsIndexTextOnly()", "false"},
-      {"IDXDisableForcePostProcRep=1", "ForcePostProcRep()", "false"},
-      // Numbers: atoi reading that wraps; the two memory sizes share one
-      // variable; the query timer is in seconds.
-      {"IDX_MaxMemorySizeForBuilderInMB=5000", "MaxMemorySizeForAllBuildersinMB()", "5000"},
-      {"IDX_MaxMemorySizeForBuilderInMB=lots", "MaxMemorySizeForAllBuildersinMB()", "0"},
-      {"IDX_MaxMemorySizeForBuilderInMB=-1", "MaxMemorySizeForBuilderInMB()", "4294967295"},
-      {"IDX_MaxMemorySizeForBuilderInMB=4000000000", "MaxMemorySizeForBuilderInMB()", "4000000000"},
-      {"IDXQueryMaxDuration=30", "QueryTimerMilliSecond()", "30000"},
-      {"IDXQueryMaxDuration=4294968", "QueryTimerMilliSecond()", "704"},
-      {"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs= +250ms",
-       "DerivedObjectComputationTimeLimitForBuilderLogsInMs()", "250"},
-      {"IDXRecoverInstanceSecondsNumber=60", "RecoverInstanceSeconds()", "60"},
-      {"IDXRecoverInstanceSecondsNumber=", "RecoverInstanceSeconds()", "0"},
+      {"IDXRecoverInstance=0;IDXKeepLocalTaskLog=0;IDXIndexPrivateReps=0;IDXUseDeleteLog=0",
+       READ(F::IsRecoverInstance() && F::KeepLocalTaskLog() && F::IndexPrivateReps() &&
+            F::UseDeleteLog()),
+       "true"},
+      {"IDXSimilarBSFFilter=;KORQuillonCheckMemoryConsistency=;IDXUseQuillonSecurityInsteadOfOCDX=",
+       READ(F::IsSimilarBSFFilter() && F::CheckMemoryConsistency() &&
+            F::IDXUseQuillonSecurityInsteadOfOCDX),
+       "true"},
+      {"ReadableTimestampsForBBDMonitorFolders=1",
+       READ(F::ReadableTimeStampsForBBDMonitorFolders()), "true"},
+      {"ReadableTimeStampsForBBDMonitorFolders=1",
+       READ(F::ReadableTimeStampsForBBDMonitorFolders()), "false"},
+      {"IDXConfigCacheDir=/var/cache/idx", READ(F::IsPersistantConfigCacheActive()), "true"},
+      {"IDXConfigCacheDir=/var/cache/idx", READ(F::GetPersistantConfigCacheDir()),
+       "/var/cache/idx"},
+      {"IDX_DO_NOT_USE_SimplifiedVLM=0;IDX_NO_INDEX_DWH=;NO_ADVANCED_MIGRATION=1",
+       READ(F::UseVLMSimplified() || F::DWHIndexing() || F::AdvancedMigration()), "false"},
+      {"IDXDisableTextOnly=1;IDXDisableForcePostProcRep=1",
+       READ(F::IsIndexTextOnly() || F::ForcePostProcRep()), "false"},
+      // Numbers (read as ParseInteger reads them): the two memory sizes share
+      // one variable; unsigned members wrap; the query timer is in seconds.
+      {"IDX_MaxMemorySizeForBuilderInMB=5000", READ(F::MaxMemorySizeForBuilderInMB()), "5000"},
+      {"IDX_MaxMemorySizeForBuilderInMB=5000", READ(F::MaxMemorySizeForAllBuildersinMB()), "5000"},
+      {"IDX_MaxMemorySizeForBuilderInMB=-1", READ(F::MaxMemorySizeForBuilderInMB()), "4294967295"},
+      {"IDXQueryMaxDuration=30", READ(F::QueryTimerMilliSecond()), "30000"},
+      {"IDXQueryMaxDuration=4294968", READ(F::QueryTimerMilliSecond()), "704"},
+      {"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs=250",
+       READ(F::DerivedObjectComputationTimeLimitForBuilderLogsInMs()), "250"},
+      {"IDXRecoverInstanceSecondsNumber=60", READ(F::RecoverInstanceSeconds()), "60"},
       // The derived generation: the first variable wins only from 1 upwards.
-      {"IDXKeepPreviousGeneration=0;KeepPreviousGeneration=3", "KeepGeneration()", "3"},
-      {"IDXKeepPreviousGeneration=1;KeepPreviousGeneration=9", "KeepGeneration()", "1"},
-      {"IDXKeepPreviousGeneration=-5", "KeepGeneration()", "-1"},
-      {"KeepPreviousGeneration=-7", "KeepGeneration()", "-7"},
-      // Read at every call (changes after load are covered in process).
-      {"IDXKeepPreviousGeneration=0;RUN_WITH_CVSERVLET=YES", "RunWithCVServlet()", "false"},
-      {"RUN_WITH_CVSERVLET=no", "RunWithCVServlet()", "true"},
-      {"RUN_WITH_CVSERVLET=0", "RunWithCVServlet()", "true"},
-      {"IDXDontKillOrpheanBuilders=0", "dontKillOrpheanBuilders()", "true"},
-      {"KORIndexStoragePath=", "getKORIndexStoragePath()", ""},
-      {"PLM_INDEX_INPROCESS=", "isPlmIndexInProcess()", "true"},
+      {"IDXKeepPreviousGeneration=0;KeepPreviousGeneration=3", READ(F::KeepGeneration()), "3"},
+      {"IDXKeepPreviousGeneration=1;KeepPreviousGeneration=9", READ(F::KeepGeneration()), "1"},
+      {"IDXKeepPreviousGeneration=2;KeepPreviousGeneration=9", READ(F::_KeepGeneration2), "9"},
+      {"IDXKeepPreviousGeneration=-5", READ(F::KeepGeneration()), "-1"},
+      {"IDXKeepPreviousGeneration=-5", READ(F::_KeepGeneration1), "-5"},
+      {"KeepPreviousGeneration=-7", READ(F::KeepGeneration()), "-7"},
+      // Read at every call.
+      {"IDXKeepPreviousGeneration=0;RUN_WITH_CVSERVLET=YES", READ(F::RunWithCVServlet()), "false"},
+      {"RUN_WITH_CVSERVLET=NO", READ(F::RunWithCVServlet()), "false"},
+      {"RUN_WITH_CVSERVLET=no", READ(F::RunWithCVServlet()), "true"},
+      {"IDXDontKillOrpheanBuilders=0", READ(F::dontKillOrpheanBuilders()), "true"},
+      {"QBR_PMX_TMP=", READ(F::dontKillOrpheanBuilders()), "true"},
+      {"KORIndexStoragePath=/srv/index", READ(F::getKORIndexStoragePath()), "/srv/index"},
+      {"PLM_INDEX_DISABLED=0;PLM_INDEX_INPROCESS=",
+       READ(F::isPlmIndexDisabled() && F::isPlmIndexInProcess()), "true"},
   };
   for (const auto& c : kCases) {
-    const Flags flags = FlagsUnder(c.env);
-    const auto found = flags.find(c.flag);
-    ASSERT_NE(flags.end(), found) << "the tool did not report " << c.flag;
-    EXPECT_EQ(c.expected, found->second) << c.flag << " under " << c.env;
+    EXPECT_EQ(c.expected, Under(c.env, c.read)) << "under \"" << c.env << '"';
   }
+}
+
+// The shared library sets its switches from the environment while it is
+// loaded, before main runs.
+TEST(DevFlagsAtLoad, ComeFromTheProcessEnvironment) {
+  const std::string probe = idxbase_test::BuiltProgram("tests/services/dev_flags_probe");
+  EXPECT_EQ("1 -1 []\n", idxbase_test::RunChild({probe}, {}).output);
+  EXPECT_EQ("0 4 [/c]\n", idxbase_test::RunChild({probe}, {{"IDXFastCV", "NO"},
+                                                           {"IDXKeepPreviousGeneration", "4"},
+                                                           {"IDXConfigCacheDir", "/c"}})
+                              .output);
+}
+
+TEST(ParseInteger, ReadsLikeAtoiWithoutUndefinedBehaviour) {
+  const struct {
+    const char* text;
+    std::int32_t expected;
+  } cases[] = {
+      // clang-format off
+      {"0", 0}, {"42", 42}, {"  \t\n42", 42}, {"+7", 7}, {"-7", -7}, {"12abc", 12}, {"abc", 0},
+      {"", 0}, {"-", 0}, {"+-3", 0}, {"- 3", 0}, {"2147483647", 2147483647},
+      {"-2147483648", -2147483647 - 1}, {"2147483648", -2147483647 - 1}, {"4294967295", -1},
+      {"4294967296", 0}, {"99999999999999999999", 1661992959},
+      // clang-format on
+  };
+  for (const auto& c : cases) EXPECT_EQ(c.expected, ParseInteger(c.text)) << '"' << c.text << '"';
 }
 
 }  // namespace

@@ -179,52 +179,36 @@ TEST(CompileExpression, NullRootStaysNull) {
   EXPECT_EQ(nullptr, root);
 }
 
-TEST(CompileExpression, AndWithAnUnavailableSideBecomesNA) {
-  for (int naSide : {0, 1, 2}) {  // first, second, both
-    int deaths = 0;
-    BBDExpression* root = new BBDComposedExpression(
-        IDX_Filter_Op_And, Comparison(deaths, naSide != 1), Comparison(deaths, naSide != 0));
-    BBDExpression::Compile(root);
-    EXPECT_EQ("NAExpression", Text(root)) << naSide;
-    EXPECT_EQ(4, deaths) << naSide;
-    delete root;
-  }
-  int deaths = 0;
-  BBDExpression* root = new BBDComposedExpression(IDX_Filter_Op_And, Comparison(deaths, false),
-                                                  Comparison(deaths, false));
-  BBDExpression* original = root;
-  BBDExpression::Compile(root);
-  EXPECT_EQ(original, root);
-  EXPECT_EQ(0, deaths);
-  delete root;
-}
-
-TEST(CompileExpression, OrWithAnUnavailableSideBecomesTheOtherSide) {
-  Occurrence occurrence;
-  NoReader reader;
-  // first NA: the second side; second NA: the first; both: the second.
-  for (int naSide : {0, 1, 2}) {
+// An and with an unavailable side becomes NA; an or becomes its other side,
+// or NA when both are unavailable. Whatever is dropped is deleted.
+TEST(CompileExpression, AndAndOrFoldTheirUnavailableSides) {
+  enum Result { kKept, kFirst, kSecond, kNA };
+  const struct {
+    IDX_Filter_Operator op;
+    bool firstNA, secondNA;
+    Result result;
+  } rows[] = {
+      {IDX_Filter_Op_And, true, false, kNA},   {IDX_Filter_Op_And, false, true, kNA},
+      {IDX_Filter_Op_And, true, true, kNA},    {IDX_Filter_Op_And, false, false, kKept},
+      {IDX_Filter_Op_Or, true, false, kSecond}, {IDX_Filter_Op_Or, false, true, kFirst},
+      {IDX_Filter_Op_Or, true, true, kNA},     {IDX_Filter_Op_Or, false, false, kKept},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.op << row.firstNA << row.secondNA);
     int firstDeaths = 0;
     int secondDeaths = 0;
-    BBDExpression* first = Comparison(firstDeaths, naSide != 1, 1);
-    BBDExpression* second = Comparison(secondDeaths, naSide != 0, 2);
-    BBDExpression* root = new BBDComposedExpression(IDX_Filter_Op_Or, first, second);
+    BBDExpression* first = Comparison(firstDeaths, row.firstNA);
+    BBDExpression* second = Comparison(secondDeaths, row.secondNA);
+    BBDExpression* root = new BBDComposedExpression(row.op, first, second);
+    BBDExpression* const original = root;
     BBDExpression::Compile(root);
-    if (naSide == 0) {
-      EXPECT_EQ(second, root);
-      EXPECT_EQ(2, firstDeaths);
-      EXPECT_EQ(0, secondDeaths);
-      EXPECT_EQ(D, root->eval(occurrence, 0, reader, true));  // 2 = 1
-    } else if (naSide == 1) {
-      EXPECT_EQ(first, root);
-      EXPECT_EQ(0, firstDeaths);
-      EXPECT_EQ(2, secondDeaths);
-      EXPECT_EQ(H, root->eval(occurrence, 0, reader, true));  // 1 = 1
-    } else {
+    if (row.result == kNA) {
       EXPECT_EQ("NAExpression", Text(root));
-      EXPECT_EQ(2, firstDeaths);
-      EXPECT_EQ(2, secondDeaths);
+    } else {
+      EXPECT_EQ(row.result == kKept ? original : row.result == kFirst ? first : second, root);
     }
+    EXPECT_EQ(row.result == kKept || row.result == kFirst ? 0 : 2, firstDeaths);
+    EXPECT_EQ(row.result == kKept || row.result == kSecond ? 0 : 2, secondDeaths);
     delete root;
   }
 }

@@ -33,21 +33,24 @@ std::int64_t WholeSeconds(std::int64_t ticks, std::int64_t ticksPerSecond) {
   return seconds;
 }
 
+// Offsets that go backwards, or a string longer than an int can count,
+// deliver no value rather than a misread one: such rows are marked not
+// available in `valid` (copied into `scratch` first when it is shared).
 template <class Offset>
-void ReadStrings(const BatchColumn& column, std::int64_t first, int n,
-                 ChunkOf<StringValue>& chunk) {
-  const Offset* offsets = ValuesFrom<Offset>(column, first);
+const std::uint8_t* MarkBadStrings(const Offset* offsets, int n, const std::uint8_t* valid,
+                                   std::uint8_t* scratch) {
+  bool bad = false;
   for (int i = 0; i < n; ++i) {
-    const Offset begin = offsets[i];
-    const Offset length = offsets[i + 1] - begin;
-    // Offsets that go backwards, or a string longer than an int can
-    // count, deliver no value rather than a misread one.
-    if (length < 0 || length > INT_MAX) {
-      chunk.valid[i] = 0;
-      continue;
-    }
-    chunk.values[i] = StringValue{column.bytes + begin, static_cast<int>(length)};
+    const Offset length = offsets[i + 1] - offsets[i];
+    bad |= length < 0 || length > INT_MAX;
   }
+  if (!bad) return valid;
+  if (valid != scratch) std::memcpy(scratch, valid, static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i) {
+    const Offset length = offsets[i + 1] - offsets[i];
+    if (length < 0 || length > INT_MAX) scratch[i] = 0;
+  }
+  return scratch;
 }
 
 // The size of one time unit of an Arrow timestamp format ("tss:", ...).
@@ -155,19 +158,19 @@ ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
 }
 
 ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
-                    ChunkOf<StringValue>& scratch) {
+                    ChunkOf<StringValue>& scratch, StringRows& rows) {
   const std::uint8_t* valid = ReadValidity(column, first, n, scratch.valid);
-  // Rows whose offsets make no string are not available.
-  if (valid != scratch.valid) {
-    std::memcpy(scratch.valid, valid, static_cast<std::size_t>(n));
-    valid = scratch.valid;
-  }
-  if (column.layout == ColumnLayout::kLargeUtf8) {
-    ReadStrings<std::int64_t>(column, first, n, scratch);
+  rows = StringRows{};
+  rows.bytes = column.bytes;
+  rows.large = column.layout == ColumnLayout::kLargeUtf8;
+  if (rows.large) {
+    rows.offsets = ValuesFrom<std::int64_t>(column, first);
+    valid = MarkBadStrings(ValuesFrom<std::int64_t>(column, first), n, valid, scratch.valid);
   } else {
-    ReadStrings<std::int32_t>(column, first, n, scratch);
+    rows.offsets = ValuesFrom<std::int32_t>(column, first);
+    valid = MarkBadStrings(ValuesFrom<std::int32_t>(column, first), n, valid, scratch.valid);
   }
-  return {scratch.values, valid};
+  return {&rows, valid};
 }
 
 bool ArrowColumn(const ArrowSchema& schema, const ArrowArray& array, BatchColumn& column) {

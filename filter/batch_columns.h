@@ -49,8 +49,28 @@ struct ChunkOf {
   std::uint8_t valid[kBatchChunk];
 };
 
-// Where rows [first, first + n) of a column are, as values and
-// availability bytes.
+// The strings of a chunk, row by row: laid out as values (a constant
+// repeated), or read from a column's offsets and bytes when asked, so that
+// rows no comparison looks at cost nothing.
+struct StringRows {
+  const StringValue* values = nullptr;
+  const void* offsets = nullptr;  // int32, or int64 when `large`
+  const char* bytes = nullptr;
+  bool large = false;
+
+  StringValue operator[](int i) const {
+    if (values != nullptr) return values[i];
+    if (large) {
+      const auto* o = static_cast<const std::int64_t*>(offsets);
+      return {bytes + o[i], static_cast<int>(o[i + 1] - o[i])};
+    }
+    const auto* o = static_cast<const std::int32_t*>(offsets);
+    return {bytes + o[i], o[i + 1] - o[i]};
+  }
+};
+
+// Where rows [first, first + n) of a column are, as values (StringRows
+// for strings) and availability bytes.
 struct ChunkView {
   const void* values;
   const std::uint8_t* valid;
@@ -64,7 +84,7 @@ ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n, ChunkO
 ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
                     ChunkOf<std::int64_t>& scratch);
 ChunkView ViewChunk(const BatchColumn& column, std::int64_t first, int n,
-                    ChunkOf<StringValue>& scratch);
+                    ChunkOf<StringValue>& scratch, StringRows& rows);
 
 // kBatchChunk availability bytes of 1.
 const std::uint8_t* AllAvailable();

@@ -41,6 +41,12 @@ template <class Value>
 struct TypedChunk : AnyChunk {
   ChunkOf<Value> chunk;
 };
+// Strings travel as StringRows over the chunk's values or a column.
+template <>
+struct TypedChunk<StringValue> : AnyChunk {
+  ChunkOf<StringValue> chunk;
+  StringRows rows;
+};
 template <class Value>
 struct TypedMembers : AnyChunk {
   std::vector<Value> values;
@@ -310,8 +316,8 @@ void DifferentTimeKernel(const BatchNode& node, const std::uint8_t*, std::uint8_
 template <class Test>
 void StringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
                   bool caseSensitive, Test test) {
-  const auto* a = ValuesOf<StringValue>(node.operands[0]);
-  const auto* b = ValuesOf<StringValue>(node.operands[1]);
+  const StringRows& a = *ValuesOf<StringRows>(node.operands[0]);
+  const StringRows& b = *ValuesOf<StringRows>(node.operands[1]);
   const std::uint8_t* va = node.operands[0].valid;
   const std::uint8_t* vb = node.operands[1].valid;
   std::uint16_t rows[kBatchChunk];
@@ -348,9 +354,9 @@ void LikeKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* o
 
 void BetweenStringKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
                          bool caseSensitive) {
-  const auto* a = ValuesOf<StringValue>(node.operands[0]);
-  const auto* lo = ValuesOf<StringValue>(node.operands[1]);
-  const auto* hi = ValuesOf<StringValue>(node.operands[2]);
+  const StringRows& a = *ValuesOf<StringRows>(node.operands[0]);
+  const StringRows& lo = *ValuesOf<StringRows>(node.operands[1]);
+  const StringRows& hi = *ValuesOf<StringRows>(node.operands[2]);
   const std::uint8_t* va = node.operands[0].valid;
   const std::uint8_t* vlo = node.operands[1].valid;
   const std::uint8_t* vhi = node.operands[2].valid;
@@ -360,11 +366,12 @@ void BetweenStringKernel(const BatchNode& node, const std::uint8_t* care, std::u
     } else if (care[i] != 2) {
       out[i] = kDoesNot;
     } else {
-      const int low =
-          CompareStrings(caseSensitive, a[i].length, a[i].text, lo[i].length, lo[i].text);
-      const int high =
-          CompareStrings(caseSensitive, a[i].length, a[i].text, hi[i].length, hi[i].text);
-      out[i] = rules::Between::Order(low, high) ? kHolds : kDoesNot;
+      const StringValue value = a[i], low = lo[i], high = hi[i];
+      out[i] = rules::Between::Order(
+                   CompareStrings(caseSensitive, value.length, value.text, low.length, low.text),
+                   CompareStrings(caseSensitive, value.length, value.text, high.length, high.text))
+                   ? kHolds
+                   : kDoesNot;
     }
   }
 }
@@ -404,7 +411,7 @@ void MemberKernel(const BatchNode& node, const std::uint8_t*, std::uint8_t* out,
 template <>
 void MemberKernel<StringValue>(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out,
                                int n, bool caseSensitive) {
-  const auto* a = ValuesOf<StringValue>(node.operands[0]);
+  const StringRows& a = *ValuesOf<StringRows>(node.operands[0]);
   const std::uint8_t* va = node.operands[0].valid;
   const auto& members = static_cast<const TypedMembers<StringValue>&>(*node.members).values;
   const std::uint8_t notFound = node.memberFails ? kUndecidable : kDoesNot;
@@ -414,9 +421,10 @@ void MemberKernel<StringValue>(const BatchNode& node, const std::uint8_t* care, 
       continue;
     }
     out[i] = notFound;
+    const StringValue subject = a[i];
     for (const StringValue& member : members) {
-      if (rules::Equal::Order(
-              CompareStrings(caseSensitive, a[i].length, a[i].text, member.length, member.text))) {
+      if (rules::Equal::Order(CompareStrings(caseSensitive, subject.length, subject.text,
+                                             member.length, member.text))) {
         out[i] = kHolds;
         break;
       }
@@ -662,6 +670,10 @@ bool BatchProgram::AddOperand(BBDOperand* operand, IDX_Filter_ValueType readType
     std::fill_n(repeated->chunk.values, n, value);
     std::memset(repeated->chunk.valid, 1, kBatchChunk);
     out.values = repeated->chunk.values;
+    if constexpr (std::is_same_v<Value, StringValue>) {
+      repeated->rows.values = repeated->chunk.values;
+      out.values = &repeated->rows;
+    }
     out.valid = repeated->chunk.valid;
     out.repeated = std::move(repeated);
     out.fails = false;
@@ -719,7 +731,12 @@ int BatchProgram::UseColumn(const AttributeTypePair& pair, IDX_Filter_ValueType 
     using Value = decltype(kind);
     used.scratch = std::make_unique<TypedChunk<Value>>();
     used.view = [](const BatchColumn& c, std::int64_t first, int n, AnyChunk& scratch) {
-      return ViewChunk(c, first, n, static_cast<TypedChunk<Value>&>(scratch).chunk);
+      auto& typed = static_cast<TypedChunk<Value>&>(scratch);
+      if constexpr (std::is_same_v<Value, StringValue>) {
+        return ViewChunk(c, first, n, typed.chunk, typed.rows);
+      } else {
+        return ViewChunk(c, first, n, typed.chunk);
+      }
     };
     return true;
   });

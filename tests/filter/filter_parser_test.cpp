@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -292,6 +293,20 @@ std::vector<Part> SampleParts() {
   return parts;
 }
 
+// Every column of a part, "-" for a missing one, for failure messages.
+template <class T>
+std::string Field(const std::optional<T>& field) {
+  if (!field) return "-";
+  std::ostringstream text;
+  text << std::boolalpha << *field;
+  return text.str();
+}
+std::string Describe(const Part& part) {
+  return "name " + Field(part.name) + ", mass " + Field(part.mass) + ", count " +
+         Field(part.count) + ", released " + Field(part.released) + ", modified " +
+         Field(part.modified);
+}
+
 TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
   const BBDFilterSimpleSchema schema = PartSchema();
   BBDFilterParser parser(&schema);
@@ -352,8 +367,7 @@ TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
                              : *expected ? IDX_FILTER_HOLDS
                                          : IDX_FILTER_DOES_NOT;
       ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want)
-          << c.filter << " name " << part.name.value_or("-") << " mass " << part.mass.value_or(-1)
-          << " count " << part.count.value_or(-99) << " released " << part.released.value_or(-1);
+          << c.filter << "\n" << Describe(part);
       decided += expected ? 1 : 0;
     }
     EXPECT_GT(decided, 100) << c.filter;  // the sample exercises both answers

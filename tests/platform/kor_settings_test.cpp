@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <map>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "idxbase/kor_system.h"
 #include "platform/kor_settings_file.h"
@@ -80,6 +83,34 @@ TEST(KORSettingRepository, ReadsTheNamedFileOnceAndKeepsIt) {
   settings.Write("platform_test_found", "gamma=3\n");  // not read again
   EXPECT_EQ(repository, Get("platform_test_found"));
   EXPECT_EQ(2, repository->Size());
+}
+
+// Threads that ask for a repository at the same moment, before any has
+// been read, all get the one repository, fully read.
+TEST(KORSettingRepository, ConcurrentFirstCallsGiveOneRepository) {
+  const SettingsDir settings;
+  settings.Write("platform_test_concurrent", "alpha=1\nbeta=2\n");
+  constexpr int kThreads = 4;
+  std::atomic<int> ready{0};
+  std::vector<KORSettingRepository*> found(kThreads, nullptr);
+  std::vector<std::string> beta(kThreads);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      ++ready;
+      while (ready.load() < kThreads) std::this_thread::yield();
+      found[t] = Get("platform_test_concurrent");
+      KORUnicodeString value;
+      if (found[t] != nullptr && found[t]->GetValue("beta", value)) beta[t] = value.ConvertToChar();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  ASSERT_NE(nullptr, found[0]);
+  for (int t = 0; t < kThreads; ++t) {
+    EXPECT_EQ(found[0], found[t]);
+    EXPECT_EQ("2", beta[t]);
+  }
+  EXPECT_EQ(2, found[0]->Size());
 }
 
 TEST(KORSettingRepository, MissingFileIsRetriedOnLaterCalls) {

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
+#include <thread>
+#include <vector>
 
 #include "idxbase/settings.h"
 #include "support/temp_dir.h"
@@ -16,8 +19,22 @@ TEST(BaseSettings, AppearsOnceTheRepositoryIsReadableAndThenStays) {
   EXPECT_EQ(nullptr, IDX_Base_Settings::GetIdxBaseSettings());
 
   idxbase_test::WriteFile(dir.Join("BBDEnvSettings.settings"), "IndexRoot = /srv/index\n");
-  IDX_Base_Settings* settings = IDX_Base_Settings::GetIdxBaseSettings();
+  // Threads that ask at the same moment share the one singleton.
+  constexpr int kThreads = 4;
+  std::atomic<int> ready{0};
+  std::vector<IDX_Base_Settings*> found(kThreads, nullptr);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      ++ready;
+      while (ready.load() < kThreads) std::this_thread::yield();
+      found[t] = IDX_Base_Settings::GetIdxBaseSettings();
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  IDX_Base_Settings* settings = found[0];
   ASSERT_NE(nullptr, settings);
+  for (IDX_Base_Settings* other : found) EXPECT_EQ(settings, other);
   EXPECT_EQ(settings, IDX_Base_Settings::GetIdxBaseSettings());
 
   KORUnicodeString value;

@@ -346,6 +346,25 @@ void CompareStringKernel(const BatchNode& node, const std::uint8_t* care, std::u
 template <bool kMatches>
 void LikeKernel(const BatchNode& node, const std::uint8_t* care, std::uint8_t* out, int n,
                 bool caseSensitive) {
+  // A pattern that is the same for every row and is one segment between
+  // wildcards ("*12*") is searched for directly, without reading the
+  // pattern again at every row.
+  const BatchOperand& pattern = node.operands[1];
+  int start = 0;
+  int length = 0;
+  if (pattern.column < 0) {
+    const StringValue fixed = (*ValuesOf<StringRows>(pattern))[0];
+    if (IsOneSegment(fixed.length, fixed.text, start, length)) {
+      const char* segment = fixed.text + start;
+      StringKernel(node, care, out, n, caseSensitive,
+                   [segment, length](bool cs, const StringValue& s, const StringValue&) {
+                     const bool matches =
+                         s.length < 0 || FindSegment(cs, s.text, 0, s.length, segment, length) >= 0;
+                     return matches == kMatches;
+                   });
+      return;
+    }
+  }
   StringKernel(
       node, care, out, n, caseSensitive, [](bool cs, const StringValue& s, const StringValue& p) {
         return (CompareLikeStrings(cs, s.length, s.text, p.length, p.text) == 0) == kMatches;

@@ -74,7 +74,7 @@ const char* FindByte(const char* cursor, const char* last, char c) {
 // First position at or after `from` where the `length` bytes of `segment`
 // occur in s[0, lengthS), or -1.
 int FindExact(const char* s, int from, int lengthS, const char* segment, int length) {
-  if (length > lengthS - from) return -1;  // also keeps `last` inside s
+  if (length > lengthS - from) return -1;               // also keeps `last` inside s
   const char* const last = s + (lengthS - length + 1);  // one past the last candidate
   for (const char* cursor = s + from; cursor < last; ++cursor) {
     cursor = FindByte(cursor, last, segment[0]);
@@ -89,7 +89,7 @@ int FindExact(const char* s, int from, int lengthS, const char* segment, int len
 int FindFolded(const char* s, int from, int lengthS, const char* segment, int length) {
   const unsigned char first = Fold(Byte(segment, 0));
   const bool firstHasCase = first >= 'a' && first <= 'z';
-  if (length > lengthS - from) return -1;  // also keeps `last` inside s
+  if (length > lengthS - from) return -1;               // also keeps `last` inside s
   const char* const last = s + (lengthS - length + 1);  // one past the last candidate
   for (const char* cursor = s + from; cursor < last; ++cursor) {
     if (firstHasCase) {
@@ -119,6 +119,26 @@ int CompareStrings(bool caseSensitive, int lengthA, const char* a, int lengthB, 
   return lengthA > lengthB ? 1 : (lengthA == lengthB ? 0 : -1);
 }
 
+int FindSegment(bool caseSensitive, const char* s, int from, int lengthS, const char* segment,
+                int length) {
+  return caseSensitive ? FindExact(s, from, lengthS, segment, length)
+                       : FindFolded(s, from, lengthS, segment, length);
+}
+
+bool IsOneSegment(int lengthP, const char* p, int& start, int& length) {
+  int first = 0;
+  int last = lengthP;
+  while (first < last && p[first] == kWildcard) ++first;
+  while (last > first && p[last - 1] == kWildcard) --last;
+  if (first == last) return false;
+  for (int j = first; j < last; ++j) {
+    if (p[j] == kWildcard) return false;
+  }
+  start = first;
+  length = last - first;
+  return true;
+}
+
 int CompareLikeStrings(bool caseSensitive, int lengthS, const char* s, int lengthP, const char* p) {
   if (lengthS == 0) {
     if (lengthP < 0) return 1;
@@ -134,8 +154,7 @@ int CompareLikeStrings(bool caseSensitive, int lengthS, const char* s, int lengt
     int segmentEnd = j + 1;
     while (segmentEnd < lengthP && p[segmentEnd] != kWildcard) ++segmentEnd;
     const int length = segmentEnd - j;
-    const int start = caseSensitive ? FindExact(s, i, lengthS, p + j, length)
-                                    : FindFolded(s, i, lengthS, p + j, length);
+    const int start = FindSegment(caseSensitive, s, i, lengthS, p + j, length);
     if (start < 0) return 1;
     i = start + length;
     j = segmentEnd;

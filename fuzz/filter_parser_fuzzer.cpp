@@ -32,15 +32,7 @@ bool MayRenderUnreadably(std::string_view text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  static BBDFilterSimpleSchema* const schema = [] {
-    auto* parts = new BBDFilterSimpleSchema("Part", 3);
-    parts->Add("name", IDX_Filter_Type_String);
-    parts->Add("mass", IDX_Filter_Type_Float);
-    parts->Add("count", IDX_Filter_Type_Int);
-    parts->Add("released", IDX_Filter_Type_Boolean);
-    parts->Add("modified", IDX_Filter_Type_Time);
-    return parts;
-  }();
+  static const BBDFilterSimpleSchema* const schema = idxbase_fuzz::PartSchema();
   static const char* variable = "nut";
   BBDFilterParser parser(schema);
   parser.BindVariable("v", &variable);

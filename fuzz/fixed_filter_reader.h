@@ -1,6 +1,6 @@
-// What the filter fuzz targets evaluate with: a reader that answers the
-// same values for every occurrence, a one-level occurrence, and a tree's
-// rendering as text.
+// What the filter fuzz targets parse and evaluate with: the names of a
+// part, a reader that answers the same values for every occurrence, a
+// one-level occurrence, and a tree's rendering as text.
 #ifndef IDXBASE_FUZZ_FIXED_FILTER_READER_H_
 #define IDXBASE_FUZZ_FIXED_FILTER_READER_H_
 
@@ -8,6 +8,7 @@
 
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
+#include "idxbase/filter_parser.h"
 
 namespace idxbase_fuzz {
 
@@ -49,6 +50,21 @@ inline std::string Render(BBDExpression& expression) {
   KORUnicodeString text;
   expression.toString(text);
   return text.ConvertToChar();
+}
+
+// The names the filter targets' texts may use: one type "Part" (type
+// number 3) with an attribute of each value type. Made once, never freed.
+inline const BBDFilterSimpleSchema* PartSchema() {
+  static BBDFilterSimpleSchema* const schema = [] {
+    auto* parts = new BBDFilterSimpleSchema("Part", 3);
+    parts->Add("name", IDX_Filter_Type_String);
+    parts->Add("mass", IDX_Filter_Type_Float);
+    parts->Add("count", IDX_Filter_Type_Int);
+    parts->Add("released", IDX_Filter_Type_Boolean);
+    parts->Add("modified", IDX_Filter_Type_Time);
+    return parts;
+  }();
+  return schema;
 }
 
 }  // namespace idxbase_fuzz

@@ -75,8 +75,7 @@ BBDExpression* BBDBasicExpression::Compile() {
 
 void BBDBasicExpression::toString(KORUnicodeString& text) {
   text += "( ";
-  text += m_Operand[0] != nullptr ? Rendering(m_Operand[0].get())
-                                  : KORUnicodeString("NullOperand");
+  text += m_Operand[0] != nullptr ? Rendering(m_Operand[0].get()) : KORUnicodeString("NullOperand");
   text += " ";
   text += idxbase::detail::OperatorName(GetOperator());
   text += " ";

@@ -130,7 +130,8 @@ const std::vector<std::int64_t>& ChunkFilter::Select(const CsvChunk& chunk) {
   rows_.resize(static_cast<std::size_t>(rows));
   if (rows == 0) return rows_;
   Bind(chunk);
-  const std::int64_t selected = batchRefused_ ? -1 : batch_.Select(rows, rows_.data(), caseSensitive_);
+  const std::int64_t selected =
+      batchRefused_ ? -1 : batch_.Select(rows, rows_.data(), caseSensitive_);
   if (selected >= 0) {
     rows_.resize(static_cast<std::size_t>(selected));
     return rows_;

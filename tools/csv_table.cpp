@@ -77,7 +77,8 @@ void SetBit(std::vector<std::uint8_t>& bitmap, std::int64_t row, bool value) {
 
 void TruncateBitmap(std::vector<std::uint8_t>& bitmap, std::int64_t rows) {
   bitmap.resize(static_cast<std::size_t>((rows + 7) / 8));
-  if ((rows & 7) != 0) bitmap.back() = static_cast<std::uint8_t>(bitmap.back() & ((1u << (rows & 7)) - 1));
+  if ((rows & 7) != 0)
+    bitmap.back() = static_cast<std::uint8_t>(bitmap.back() & ((1u << (rows & 7)) - 1));
 }
 
 void Reset(CsvColumn& column, IDX_Filter_ValueType type) {
@@ -195,8 +196,7 @@ CsvReader::CsvReader(ByteSource& source) : source_(&source), buffer_(kReadBytes)
   data_ = buffer_.data();
 }
 
-CsvReader::CsvReader(std::string_view text)
-    : data_(text.data()), end_(text.size()), eof_(true) {}
+CsvReader::CsvReader(std::string_view text) : data_(text.data()), end_(text.size()), eof_(true) {}
 
 // Moves the bytes not yet used to the front of the buffer and reads more
 // behind them, growing the buffer when a record fills it.
@@ -211,8 +211,8 @@ bool CsvReader::Refill(CsvError& error) {
   pos_ = 0;
   end_ = pending;
   if (buffer_.size() - end_ < kReadBytes / 2) {
-    buffer_.resize(std::min(std::max(buffer_.size() * 2, end_ + kReadBytes),
-                            kMaxRecordBytes + kReadBytes));
+    buffer_.resize(
+        std::min(std::max(buffer_.size() * 2, end_ + kReadBytes), kMaxRecordBytes + kReadBytes));
   }
   data_ = buffer_.data();
   // Pipes deliver a little at a time: fill the buffer, so that chunks
@@ -410,8 +410,7 @@ bool CsvReader::Bad(const CsvError& fault, CsvError& error) {
   return true;
 }
 
-bool CsvReader::AddRow(CsvChunk& chunk, std::string_view record, long long line,
-                       CsvError& error) {
+bool CsvReader::AddRow(CsvChunk& chunk, std::string_view record, long long line, CsvError& error) {
   const std::size_t width = columns_.size();
   if (fields_.size() != width) {
     return Bad({line, std::to_string(fields_.size()) + " fields where the header has " +
@@ -423,8 +422,8 @@ bool CsvReader::AddRow(CsvChunk& chunk, std::string_view record, long long line,
     const std::string_view text = FieldText(fields_[i]);
     if (!Append(text, fields_[i].quoted, chunk.columns[i], row)) {
       for (std::size_t j = 0; j < i; ++j) Truncate(chunk.columns[j], row);
-      return Bad({line, "column '" + columns_[i].name + "': " + QuoteForMessage(text) +
-                            " is not " + TypeWord(columns_[i].type)},
+      return Bad({line, "column '" + columns_[i].name + "': " + QuoteForMessage(text) + " is not " +
+                            TypeWord(columns_[i].type)},
                  error);
     }
   }
@@ -486,8 +485,9 @@ bool ReadCsvTable(std::string_view text, RecordTable& table, CsvRecords* raw, Cs
         if (!from.Valid(row)) {
           to.AppendMissing();
         } else if (from.type == IDX_Filter_Type_String) {
-          to.AppendString(std::string(from.bytes, static_cast<std::size_t>(from.offsets[r]),
-                                      static_cast<std::size_t>(from.offsets[r + 1] - from.offsets[r])));
+          to.AppendString(
+              std::string(from.bytes, static_cast<std::size_t>(from.offsets[r]),
+                          static_cast<std::size_t>(from.offsets[r + 1] - from.offsets[r])));
         } else if (from.type == IDX_Filter_Type_Float) {
           to.AppendFloat(from.floats[r]);
         } else if (from.type == IDX_Filter_Type_Time) {
@@ -499,7 +499,8 @@ bool ReadCsvTable(std::string_view text, RecordTable& table, CsvRecords* raw, Cs
         }
       }
     }
-    if (raw != nullptr) raw->records.insert(raw->records.end(), chunk.records.begin(), chunk.records.end());
+    if (raw != nullptr)
+      raw->records.insert(raw->records.end(), chunk.records.begin(), chunk.records.end());
   } while (chunk.rows() > 0);
   return true;
 }

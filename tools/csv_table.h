@@ -48,9 +48,9 @@ struct CsvColumn {
   std::vector<std::uint8_t> validity;  // bit set where the row has a value
   std::vector<std::int32_t> ints;      // int columns
   std::vector<float> floats;
-  std::vector<std::int64_t> times;     // seconds since the epoch
-  std::vector<std::uint8_t> bits;      // bool columns, a bitmap
-  std::vector<std::int32_t> offsets;   // strings: row i is bytes[offsets[i], offsets[i+1])
+  std::vector<std::int64_t> times;    // seconds since the epoch
+  std::vector<std::uint8_t> bits;     // bool columns, a bitmap
+  std::vector<std::int32_t> offsets;  // strings: row i is bytes[offsets[i], offsets[i+1])
   std::string bytes;
 
   bool Valid(std::int64_t row) const { return (validity[row >> 3] >> (row & 7)) & 1; }

@@ -182,7 +182,8 @@ int FilterCommand(int argc, char** argv) {
     } else {
       KORUnicodeString rendering;
       filter->toString(rendering);
-      std::fprintf(stderr, "filter (as rendered; not filter text): %s\n", rendering.ConvertToChar());
+      std::fprintf(stderr, "filter (as rendered; not filter text): %s\n",
+                   rendering.ConvertToChar());
     }
   }
 

@@ -288,13 +288,21 @@ class TwinBuilder {
   void Operand(int type, BBDOperand*& direct, BBDOperand*& plain) {
     if (Next(8) == 0) type = Next(5);
     switch (type) {
-      case 0: Twin<BBDOperandIntConst>(direct, plain, [this] { return Next(3); }); break;
-      case 1: Twin<BBDOperandFloatConst>(direct, plain, [this] { return Float(); }); break;
+      case 0:
+        Twin<BBDOperandIntConst>(direct, plain, [this] { return Next(3); });
+        break;
+      case 1:
+        Twin<BBDOperandFloatConst>(direct, plain, [this] { return Float(); });
+        break;
       case 2:
         Twin<BBDOperandStringConst>(direct, plain, [this] { return strdup(String()); });
         break;
-      case 3: Twin<BBDOperandBooleanConst>(direct, plain, [this] { return Next(2) == 1; }); break;
-      default: Twin<BBDOperandTimeConst>(direct, plain, [this] { return Time(); }); break;
+      case 3:
+        Twin<BBDOperandBooleanConst>(direct, plain, [this] { return Next(2) == 1; });
+        break;
+      default:
+        Twin<BBDOperandTimeConst>(direct, plain, [this] { return Time(); });
+        break;
     }
   }
   // A set of 0 to 3 elements in both twins, now and then with a null one.
@@ -419,8 +427,8 @@ TEST_F(BasicExpressionTest, MembershipSurvivesAReadThatEvaluatesAgain) {
 TEST_F(BasicExpressionTest, DeletesItsOperandsFirstSecondThird) {
   std::string trail;
   Probe a{'a', &trail}, b{'b', &trail}, c{'c', &trail};
-  delete new BBDBasicExpression(IDX_Filter_Op_BetweenInt, new ProbeOperand(a),
-                                new ProbeOperand(b), new ProbeOperand(c));
+  delete new BBDBasicExpression(IDX_Filter_Op_BetweenInt, new ProbeOperand(a), new ProbeOperand(b),
+                                new ProbeOperand(c));
   EXPECT_EQ("abc", trail);
 }
 

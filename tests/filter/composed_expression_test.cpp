@@ -188,10 +188,10 @@ TEST(CompileExpression, AndAndOrFoldTheirUnavailableSides) {
     bool firstNA, secondNA;
     Result result;
   } rows[] = {
-      {IDX_Filter_Op_And, true, false, kNA},   {IDX_Filter_Op_And, false, true, kNA},
-      {IDX_Filter_Op_And, true, true, kNA},    {IDX_Filter_Op_And, false, false, kKept},
+      {IDX_Filter_Op_And, true, false, kNA},    {IDX_Filter_Op_And, false, true, kNA},
+      {IDX_Filter_Op_And, true, true, kNA},     {IDX_Filter_Op_And, false, false, kKept},
       {IDX_Filter_Op_Or, true, false, kSecond}, {IDX_Filter_Op_Or, false, true, kFirst},
-      {IDX_Filter_Op_Or, true, true, kNA},     {IDX_Filter_Op_Or, false, false, kKept},
+      {IDX_Filter_Op_Or, true, true, kNA},      {IDX_Filter_Op_Or, false, false, kKept},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.op << row.firstNA << row.secondNA);
@@ -233,8 +233,8 @@ TEST(CompileExpression, NodesThatStayAroundNA) {
   for (bool naFirst : {true, false}) {
     int orDeaths = 0;
     BBDExpression* na = Comparison(orDeaths, true);
-    BBDExpression* orNode = new BBDComposedExpression(IDX_Filter_Op_Or, naFirst ? na : nullptr,
-                                                      naFirst ? nullptr : na);
+    BBDExpression* orNode =
+        new BBDComposedExpression(IDX_Filter_Op_Or, naFirst ? na : nullptr, naFirst ? nullptr : na);
     BBDExpression::Compile(orNode);
     EXPECT_EQ(nullptr, orNode) << naFirst;
     EXPECT_EQ(2, orDeaths) << naFirst;
@@ -282,15 +282,15 @@ TEST(CompileExpression, AsksTheSidesOnlyWhatTheOperatorNeeds) {
     const char* questions;
   };
   const Row rows[] = {
-      {IDX_Filter_Op_And, true, false, "aA"},   {IDX_Filter_Op_And, false, true, "abB"},
-      {IDX_Filter_Op_And, false, false, "ab"},  {IDX_Filter_Op_Or, true, true, "aA"},
-      {IDX_Filter_Op_Or, false, true, "abB"},   {IDX_Filter_Op_Or, false, false, "ab"},
+      {IDX_Filter_Op_And, true, false, "aA"},  {IDX_Filter_Op_And, false, true, "abB"},
+      {IDX_Filter_Op_And, false, false, "ab"}, {IDX_Filter_Op_Or, true, true, "aA"},
+      {IDX_Filter_Op_Or, false, true, "abB"},  {IDX_Filter_Op_Or, false, false, "ab"},
       {IDX_Filter_Op_Not, true, true, ""},
   };
   for (const Row& row : rows) {
     std::string log;
-    BBDExpression* root = new BBDComposedExpression(
-        row.op, new Questioned('a', row.firstNA, log), new Questioned('b', row.secondNA, log));
+    BBDExpression* root = new BBDComposedExpression(row.op, new Questioned('a', row.firstNA, log),
+                                                    new Questioned('b', row.secondNA, log));
     BBDExpression::Compile(root);
     EXPECT_EQ(row.questions, log) << row.op << row.firstNA << row.secondNA;
     delete root;

@@ -366,8 +366,8 @@ TEST(FilterParserEvaluation, ParsedFiltersDecideLikeTheirCppConditions) {
       const KORStatus want = !expected   ? IDX_FILTER_UNDECIDABLE
                              : *expected ? IDX_FILTER_HOLDS
                                          : IDX_FILTER_DOES_NOT;
-      ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want)
-          << c.filter << "\n" << Describe(part);
+      ASSERT_EQ(filter->eval(occurrence, 0, reader, true), want) << c.filter << "\n"
+                                                                 << Describe(part);
       decided += expected ? 1 : 0;
     }
     EXPECT_GT(decided, 100) << c.filter;  // the sample exercises both answers
@@ -565,7 +565,8 @@ TEST(FilterParserFormat, WritesEachFormAsFilterText) {
        "(Part.modified >= @0001-01-01T00:00:00 OR Part.modified < @2026-11-22T10:30:05)"},
       {"NOT NOT released <> true", "NOT NOT Part.released <> true"},
       {"name NOT LIKE 'a*b' & NULL", "(Part.name NOT_LIKE \"a*b\" AND NULL)"},
-      {"( NAExpression | ( NullOperand = NAOperand ) )", "(NAExpression OR NullOperand = NAOperand)"},
+      {"( NAExpression | ( NullOperand = NAOperand ) )",
+       "(NAExpression OR NullOperand = NAOperand)"},
       {"a = 1 OR (count = 2 OR count = 3)", ""},  // unknown attribute: not parsed
   };
   for (const auto& c : kCases) {
@@ -589,10 +590,9 @@ TEST(FilterParserFormat, WritesEachFormAsFilterText) {
   const BBDBasicExpression kindOf(IDX_Filter_Op_KindOf, new BBDNAOperand(), new BBDOperandSet());
   const BBDBasicExpression infinite(IDX_Filter_Op_EqualFloat, new BBDNAOperand(),
                                     new BBDOperandFloatConst(INFINITY));
-  for (const BBDExpression* tree : {static_cast<const BBDExpression*>(&variable),
-                                    static_cast<const BBDExpression*>(&kindOf),
-                                    static_cast<const BBDExpression*>(&infinite),
-                                    static_cast<const BBDExpression*>(nullptr)}) {
+  for (const BBDExpression* tree :
+       {static_cast<const BBDExpression*>(&variable), static_cast<const BBDExpression*>(&kindOf),
+        static_cast<const BBDExpression*>(&infinite), static_cast<const BBDExpression*>(nullptr)}) {
     std::string text = "old";
     EXPECT_EQ(other.Format(tree, text), KOR_E_FAIL);
     EXPECT_EQ(text, "");
@@ -700,7 +700,8 @@ TEST(FilterParserFormat, GeneratedFiltersReadBackAsTheSameFilter) {
     for (const Part& part : parts) {
       reader.part = &part;
       ASSERT_EQ(again->eval(occurrence, 0, reader, true), tree->eval(occurrence, 0, reader, true))
-          << filter << "\n" << text;
+          << filter << "\n"
+          << text;
     }
     ++checked;
   }

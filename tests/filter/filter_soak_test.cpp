@@ -38,7 +38,6 @@ const char kNoEvaluation[] = "No evaluation function defined.\n";
 const char kNullExpression[] = "Error in BBDComposedExpression::eval : null expression\n";
 const char kNullOperand[] = "Warning : null operand in BBDBasicExpression::Compile()\n";
 
-
 // ---------------------------------------------------------------------
 // The reference evaluator.
 

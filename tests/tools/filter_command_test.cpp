@@ -113,8 +113,8 @@ TEST_F(FilterCommand, CountsExplainsVariablesAndCase) {
   result = RunTool(
       {"filter", "--explain", "--var", "who=nut", "--where", "name = $who AND count > 1", csv});
   EXPECT_EQ(result.exitCode, 0);
-  EXPECT_EQ(result.output, std::string("filter: (Row.name = $who AND Row.count > 1)\n") +
-                               kHeader + "\n" + Line(rows[2]) + "\n");
+  EXPECT_EQ(result.output, std::string("filter: (Row.name = $who AND Row.count > 1)\n") + kHeader +
+                               "\n" + Line(rows[2]) + "\n");
   WriteFile(Path("filter.txt"), "count >= 3\n  AND count <> 4\n");
   result = RunTool({"filter", "--file", Path("filter.txt"), csv});
   EXPECT_EQ(result.output, std::string(kHeader) + "\n" + Line(rows[3]) + "\n");
@@ -197,8 +197,8 @@ TEST_F(FilterCommand, RefusesARecordOver64MiBNamingItsLine) {
 
 TEST_F(FilterCommand, PrintsRecordsHoldingNulBytesWhole) {
   const std::string nul(1, '\0');
-  WriteFile(Path("nul.csv"), "name:string,n:int\n" + ("a" + nul + "b,1\n") + "ab,2\n" +
-                                 ("\"q" + nul + "\",3\n"));
+  WriteFile(Path("nul.csv"),
+            "name:string,n:int\n" + ("a" + nul + "b,1\n") + "ab,2\n" + ("\"q" + nul + "\",3\n"));
   const ChildResult result = RunTool({"filter", "--where", "name LIKE 'b'", Path("nul.csv")});
   EXPECT_EQ(result.exitCode, 0);
   EXPECT_EQ(result.output, "name:string,n:int\n" + ("a" + nul + "b,1\n") + "ab,2\n");

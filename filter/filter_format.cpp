@@ -22,20 +22,6 @@ using idxbase::detail::OperatorRow;
 using idxbase::detail::StringValue;
 using idxbase::detail::TreeAccess;
 
-// The proleptic Gregorian date of a day counted from 1970-01-01 (Howard
-// Hinnant's civil-from-days).
-void CivilFromDays(std::int64_t days, int& year, int& month, int& day) {
-  days += 719468;
-  const std::int64_t era = (days >= 0 ? days : days - 146096) / 146097;
-  const auto dayOfEra = static_cast<int>(days - era * 146097);
-  const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-  const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-  const int monthIndex = (5 * dayOfYear + 2) / 153;
-  day = dayOfYear - (153 * monthIndex + 2) / 5 + 1;
-  month = monthIndex < 10 ? monthIndex + 3 : monthIndex - 9;
-  year = static_cast<int>(era * 400 + yearOfEra + (month <= 2 ? 1 : 0));
-}
-
 class Formatter {
  public:
   explicit Formatter(const std::map<std::string, const char* const*>& variables)
@@ -211,17 +197,17 @@ bool Formatter::Float(float value, std::string& out) {
   return true;
 }
 
+// The language reads four-digit years: 0001-01-01T00:00:00 to
+// 9999-12-31T23:59:59 UTC.
 bool Formatter::Time(const KORTime& time, std::string& out) {
+  constexpr std::int64_t kFirst = -62135596800;
+  constexpr std::int64_t kLast = 253402300799;
   const std::int64_t seconds = time.GetEpochSeconds();
-  const std::int64_t days = (seconds >= 0 ? seconds : seconds - 86399) / 86400;
-  const std::int64_t inDay = seconds - days * 86400;
-  int year = 0, month = 0, day = 0;
-  CivilFromDays(days, year, month, day);
-  if (year < 1 || year > 9999) return false;
+  if (seconds < kFirst || seconds > kLast) return false;
   char text[64];
-  std::snprintf(text, sizeof text, "@%04d-%02d-%02dT%02d:%02d:%02d", year, month, day,
-                static_cast<int>(inDay / 3600), static_cast<int>(inDay / 60 % 60),
-                static_cast<int>(inDay % 60));
+  std::snprintf(text, sizeof text, "@%04d-%02d-%02dT%02d:%02d:%02d", time.GetYear(KORTzUTC),
+                time.GetMonth(KORTzUTC), time.GetDay(KORTzUTC), time.GetHour(KORTzUTC),
+                time.GetMinute(KORTzUTC), time.GetSecond(KORTzUTC));
   out += text;
   return true;
 }

@@ -188,83 +188,10 @@ TEST_F(BasicExpressionTest, MembershipStopsAtTheFirstMatch) {
   EXPECT_EQ(0, late.reads);
 }
 
-// Every evaluation reads the operands as they are then: a library constant
-// or set assigned after compilation gives its new value.
-TEST_F(BasicExpressionTest, CompiledExpressionsSeeAssignmentsToTheirOperands) {
-  const KORTime monday(2024, 3, 11, 9, 0, 0);
-  const KORTime tuesday(2024, 3, 12, 9, 0, 0);
-  struct Row {
-    const char* what;
-    std::function<BBDExpression*()> build;
-    std::function<void()> assign;
-  };
-  BBDOperandIntConst* intConst = nullptr;
-  BBDOperandFloatConst* floatConst = nullptr;
-  BBDOperandBooleanConst* boolConst = nullptr;
-  BBDOperandStringConst* stringConst = nullptr;
-  BBDOperandTimeConst* timeConst = nullptr;
-  BBDOperandSet* set = nullptr;
-  const Row rows[] = {
-      {"( 5 = 5 ) then 6 = 5",
-       [&] {
-         return new BBDBasicExpression(IDX_Filter_Op_EqualInt, intConst = new BBDOperandIntConst(5),
-                                       new BBDOperandIntConst(5));
-       },
-       [&] { *intConst = BBDOperandIntConst(6); }},
-      {"5 IN {5} then {7}",
-       [&] {
-         return new BBDBasicExpression(IDX_Filter_Op_InInt, new BBDOperandIntConst(5),
-                                       set = new BBDOperandSet(new BBDOperandIntConst(5)));
-       },
-       [&] { *set = BBDOperandSet(new BBDOperandIntConst(7)); }},
-      {"2.5 IN {2.5} then {1.5}",
-       [&] {
-         return new BBDBasicExpression(IDX_Filter_Op_InFloat, new BBDOperandFloatConst(2.5f),
-                                       set = new BBDOperandSet(new BBDOperandFloatConst(2.5f)));
-       },
-       [&] { *set = BBDOperandSet(new BBDOperandFloatConst(1.5f)); }},
-      {"1.5 BETWEEN 1 2 then 2.5",
-       [&] {
-         return new BBDBasicExpression(
-             IDX_Filter_Op_BetweenFloat, floatConst = new BBDOperandFloatConst(1.5f),
-             new BBDOperandFloatConst(1.0f), new BBDOperandFloatConst(2.0f));
-       },
-       [&] { *floatConst = BBDOperandFloatConst(2.5f); }},
-      {"true = true then false",
-       [&] {
-         return new BBDBasicExpression(IDX_Filter_Op_EqualBoolean,
-                                       boolConst = new BBDOperandBooleanConst(true),
-                                       new BBDOperandBooleanConst(true));
-       },
-       [&] { *boolConst = BBDOperandBooleanConst(false); }},
-      {"\"abc\" = \"abc\" then \"abd\"",
-       [&] {
-         return new BBDBasicExpression(IDX_Filter_Op_EqualString,
-                                       stringConst = new BBDOperandStringConst(strdup("abc")),
-                                       new BBDOperandStringConst(strdup("abc")));
-       },
-       [&] { *stringConst = BBDOperandStringConst(strdup("abd")); }},
-      {"monday = monday then tuesday",
-       [&] {
-         return new BBDBasicExpression(IDX_Filter_Op_EqualTime,
-                                       timeConst = new BBDOperandTimeConst(monday),
-                                       new BBDOperandTimeConst(monday));
-       },
-       [&] { *timeConst = BBDOperandTimeConst(tuesday); }},
-  };
-  for (const Row& row : rows) {
-    BBDExpression* e = row.build();
-    BBDExpression::Compile(e);
-    EXPECT_EQ(H, Eval(*e)) << row.what;
-    row.assign();
-    EXPECT_EQ(D, Eval(*e)) << row.what;
-    delete e;
-  }
-}
-
 // A caller's class derived from a library constant is read through its
 // virtual operations; the library's own classes are read directly. Both
-// must answer alike, whatever is assigned between evaluations.
+// must answer alike, whatever is assigned between evaluations: compiled
+// expressions read their operands as they are at each evaluation.
 template <class Base>
 class Derived : public Base {
  public:

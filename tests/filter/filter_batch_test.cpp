@@ -25,6 +25,22 @@ constexpr KORStatus H = IDX_FILTER_HOLDS;
 constexpr KORStatus D = IDX_FILTER_DOES_NOT;
 constexpr KORStatus U = IDX_FILTER_UNDECIDABLE;
 
+BBDOperand* Int(int value) { return new BBDOperandIntConst(value); }
+BBDOperand* Float(float value) { return new BBDOperandFloatConst(value); }
+BBDOperand* Bool(bool value) { return new BBDOperandBooleanConst(value); }
+BBDOperand* String(const char* text) { return new BBDOperandStringConst(strdup(text)); }
+BBDOperand* Time(const KORTime& time) { return new BBDOperandTimeConst(time); }
+// The attribute of pair (0, 0), read as `type`.
+BBDOperand* Column(IDX_Filter_ValueType type) {
+  return new BBDOperandAttribute(new AttributeTypePair(0, 0), type);
+}
+BBDExpression* Compare(int op, BBDOperand* a, BBDOperand* b, BBDOperand* c = nullptr) {
+  return new BBDBasicExpression(static_cast<IDX_Filter_Operator>(op), a, b, c);
+}
+BBDExpression* Compose(int op, BBDExpression* a, BBDExpression* b) {
+  return new BBDComposedExpression(static_cast<IDX_Filter_Operator>(op), a, b);
+}
+
 // Random columns, some rows not available.
 idxbase_test::ColumnTable RandomColumns(Generator& g, std::int64_t rows) {
   idxbase_test::ColumnTable table;
@@ -154,20 +170,12 @@ TEST(FilterBatch, AnswersAsEvalDoesForRandomTreesAndColumns) {
 TEST(FilterBatch, SeesAssignmentsAndVariablesBetweenCalls) {
   const std::int32_t counts[] = {1, 2, 3};
   auto* bound = new BBDOperandIntConst(2);
-  auto* set = new BBDOperandSet(new BBDOperandIntConst(3));
+  auto* set = new BBDOperandSet(Int(3));
   const char* word = "b";
-  BBDExpression* tree = new BBDComposedExpression(
-      IDX_Filter_Op_Or,
-      new BBDBasicExpression(
-          IDX_Filter_Op_LowerInt,
-          new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Int), bound),
-      new BBDComposedExpression(
-          IDX_Filter_Op_And,
-          new BBDBasicExpression(
-              IDX_Filter_Op_InInt,
-              new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Int), set),
-          new BBDBasicExpression(IDX_Filter_Op_EqualString, new BBDOperandStringUser(&word),
-                                 new BBDOperandStringConst(strdup("a")))));
+  BBDExpression* tree = Compose(
+      IDX_Filter_Op_Or, Compare(IDX_Filter_Op_LowerInt, Column(IDX_Filter_Type_Int), bound),
+      Compose(IDX_Filter_Op_And, Compare(IDX_Filter_Op_InInt, Column(IDX_Filter_Type_Int), set),
+              Compare(IDX_Filter_Op_EqualString, new BBDOperandStringUser(&word), String("a"))));
   std::unique_ptr<BBDExpression> owner(tree);
   BBDFilterBatch batch(tree);
   ASSERT_EQ(KOR_S_OK, batch.BindInt(AttributeTypePair(0, 0), counts, nullptr));
@@ -177,7 +185,7 @@ TEST(FilterBatch, SeesAssignmentsAndVariablesBetweenCalls) {
   ASSERT_EQ(2, batch.Select(3, rows, true));  // count < 3
   word = "a";
   ASSERT_EQ(3, batch.Select(3, rows, true));  // ... or count in {3} and "a" = "a"
-  *set = BBDOperandSet(new BBDOperandIntConst(7));
+  *set = BBDOperandSet(Int(7));
   ASSERT_EQ(2, batch.Select(3, rows, true));
   KORStatus answers[3];
   word = nullptr;  // the user string gives no value
@@ -192,39 +200,25 @@ TEST(FilterBatch, RefusesWhatItCannotEvaluateAndWritesNothing) {
     using BBDOperandIntConst::BBDOperandIntConst;
   };
   const std::int32_t values[] = {1, 2};
-  auto attribute = [] {
-    return new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Int);
-  };
   struct Row {
     const char* what;
     BBDExpression* tree;
     bool bind;
   };
+  const auto column = [] { return Column(IDX_Filter_Type_Int); };
   KORListPtrBBDTypeInfo noTypes;
+  auto* multiType =
+      new BBDOperandMultiType(noTypes, new AttributeTypePair(0, 0), IDX_Filter_Type_Int);
   const Row rows[] = {
-      {"unbound pair",
-       new BBDBasicExpression(IDX_Filter_Op_EqualInt, attribute(), new BBDOperandIntConst(1)),
-       false},
-      {"a caller's operand",
-       new BBDBasicExpression(IDX_Filter_Op_EqualInt, attribute(), new Derived(1)), true},
-      {"a multi-type operand",
-       new BBDBasicExpression(
-           IDX_Filter_Op_EqualInt,
-           new BBDOperandMultiType(noTypes, new AttributeTypePair(0, 0), IDX_Filter_Type_Int),
-           new BBDOperandIntConst(1)),
-       true},
-      {"an attribute in a set",
-       new BBDBasicExpression(IDX_Filter_Op_InInt, new BBDOperandIntConst(1),
-                              new BBDOperandSet(attribute())),
+      {"unbound pair", Compare(IDX_Filter_Op_EqualInt, column(), Int(1)), false},
+      {"a caller's operand", Compare(IDX_Filter_Op_EqualInt, column(), new Derived(1)), true},
+      {"a multi-type operand", Compare(IDX_Filter_Op_EqualInt, multiType, Int(1)), true},
+      {"an attribute in a set", Compare(IDX_Filter_Op_InInt, Int(1), new BBDOperandSet(column())),
        true},
       {"an and without second side",
-       new BBDComposedExpression(
-           IDX_Filter_Op_And,
-           new BBDBasicExpression(IDX_Filter_Op_EqualInt, attribute(), new BBDOperandIntConst(1)),
-           nullptr),
+       Compose(IDX_Filter_Op_And, Compare(IDX_Filter_Op_EqualInt, column(), Int(1)), nullptr),
        true},
-      {"an operator without evaluation",
-       new BBDBasicExpression(IDX_Filter_Op_KindOf, attribute(), new BBDOperandIntConst(1)), true},
+      {"an operator without evaluation", Compare(IDX_Filter_Op_KindOf, column(), Int(1)), true},
   };
   for (const Row& row : rows) {
     std::unique_ptr<BBDExpression> owner(row.tree);
@@ -263,19 +257,21 @@ struct ArrowColumn {
   }
 };
 
-// Answers of `op` (subject: the Arrow column, read as `type`; value:
-// `constant`) for its rows.
-std::vector<KORStatus> Answers(const ArrowColumn& column, IDX_Filter_Operator op,
-                               IDX_Filter_ValueType type, BBDOperand* constant, std::int64_t rows) {
-  std::unique_ptr<BBDExpression> tree(new BBDBasicExpression(
-      op, new BBDOperandAttribute(new AttributeTypePair(0, 0), type), constant));
+// Answers of `op` (subject: the Arrow column; value: `constant`) for its
+// rows, as letters: H holds, D does not, U undecidable.
+std::string Answers(const ArrowColumn& column, IDX_Filter_Operator op, BBDOperand* constant,
+                    std::int64_t rows) {
+  std::unique_ptr<BBDExpression> tree(
+      Compare(op, Column(IDX_Filter_Infos::OperatorType[op]), constant));
   BBDFilterBatch batch(tree.get());
   std::vector<KORStatus> answers(static_cast<std::size_t>(rows), 7);
   if (batch.BindArrow(AttributeTypePair(0, 0), &column.schema, &column.array) != KOR_S_OK ||
       batch.Evaluate(rows, answers.data(), true) != KOR_S_OK) {
-    return {};
+    return "refused";
   }
-  return answers;
+  std::string letters;
+  for (KORStatus answer : answers) letters += answer == H ? 'H' : answer == D ? 'D' : 'U';
+  return letters;
 }
 
 TEST(FilterBatch, ReadsArrowColumnsWithOffsetsAndNulls) {
@@ -296,92 +292,36 @@ TEST(FilterBatch, ReadsArrowColumnsWithOffsetsAndNulls) {
   const std::int32_t days[] = {0, static_cast<std::int32_t>(day), 0, 0};
   const KORTime midnight = KORTime::FromEpochSeconds(day * 86400);
   const KORTime beforeEpoch = KORTime::FromEpochSeconds(-1);
-  struct Row {
-    const char* what;
+  // Timestamps have no nulls; -1 ms falls in the second before 1970, not in
+  // its first second.
+  const struct {
     ArrowColumn column;
     IDX_Filter_Operator op;
-    IDX_Filter_ValueType type;
     BBDOperand* constant;
-    std::vector<KORStatus> expected;
+    const char* expected;
+  } rows[] = {
+      // clang-format off
+      {{"i", 3, 1, validity, ints}, IDX_Filter_Op_EqualInt, Int(5), "HUD"},
+      {{"f", 3, 1, validity, floats}, IDX_Filter_Op_EqualFloat, Float(5), "HUD"},
+      {{"g", 3, 1, validity, doubles}, IDX_Filter_Op_EqualFloat, Float(5), "HUD"},
+      {{"b", 3, 1, validity, bits}, IDX_Filter_Op_EqualBoolean, Bool(true), "HUH"},
+      {{"u", 3, 1, validity, offsets, bytes}, IDX_Filter_Op_EqualString, String("ab"), "HUD"},
+      {{"U", 3, 1, validity, largeOffsets, bytes}, IDX_Filter_Op_EqualString, String("ab"), "HUD"},
+      {{"tsm:UTC", 3, 1, nullptr, ms}, IDX_Filter_Op_LowerTime, Time(midnight), "DHH"},
+      {{"tsm:", 3, 1, nullptr, ms}, IDX_Filter_Op_HigherTime, Time(beforeEpoch), "HHD"},
+      {{"tss:", 3, 1, nullptr, s}, IDX_Filter_Op_HigherTime, Time(beforeEpoch), "HHD"},
+      {{"tsu:", 3, 1, nullptr, us}, IDX_Filter_Op_HigherTime, Time(beforeEpoch), "HHD"},
+      {{"tsn:Europe/Paris", 3, 1, nullptr, ns}, IDX_Filter_Op_LowerTime, Time(midnight), "DHH"},
+      // clang-format on
   };
-  const Row rows[] = {
-      {"i",
-       {"i", 3, 1, validity, ints},
-       IDX_Filter_Op_EqualInt,
-       IDX_Filter_Type_Int,
-       new BBDOperandIntConst(5),
-       {H, U, D}},
-      {"f",
-       {"f", 3, 1, validity, floats},
-       IDX_Filter_Op_EqualFloat,
-       IDX_Filter_Type_Float,
-       new BBDOperandFloatConst(5),
-       {H, U, D}},
-      {"g",
-       {"g", 3, 1, validity, doubles},
-       IDX_Filter_Op_EqualFloat,
-       IDX_Filter_Type_Float,
-       new BBDOperandFloatConst(5),
-       {H, U, D}},
-      {"b",
-       {"b", 3, 1, validity, bits},
-       IDX_Filter_Op_EqualBoolean,
-       IDX_Filter_Type_Boolean,
-       new BBDOperandBooleanConst(true),
-       {H, U, H}},
-      {"u",
-       {"u", 3, 1, validity, offsets, bytes},
-       IDX_Filter_Op_EqualString,
-       IDX_Filter_Type_String,
-       new BBDOperandStringConst(strdup("ab")),
-       {H, U, D}},
-      {"U",
-       {"U", 3, 1, validity, largeOffsets, bytes},
-       IDX_Filter_Op_EqualString,
-       IDX_Filter_Type_String,
-       new BBDOperandStringConst(strdup("ab")),
-       {H, U, D}},
-      {"tsm:",
-       {"tsm:UTC", 3, 1, nullptr, ms},
-       IDX_Filter_Op_LowerTime,
-       IDX_Filter_Type_Time,
-       new BBDOperandTimeConst(midnight),
-       {D, H, H}},
-      // -1 ms falls in the second before 1970, not in its first second.
-      {"tsm: before 1970",
-       {"tsm:", 3, 1, nullptr, ms},
-       IDX_Filter_Op_HigherTime,
-       IDX_Filter_Type_Time,
-       new BBDOperandTimeConst(beforeEpoch),
-       {H, H, D}},
-      {"tss:",
-       {"tss:", 3, 1, nullptr, s},
-       IDX_Filter_Op_HigherTime,
-       IDX_Filter_Type_Time,
-       new BBDOperandTimeConst(beforeEpoch),
-       {H, H, D}},
-      {"tsu:",
-       {"tsu:", 3, 1, nullptr, us},
-       IDX_Filter_Op_HigherTime,
-       IDX_Filter_Type_Time,
-       new BBDOperandTimeConst(beforeEpoch),
-       {H, H, D}},
-      {"tsn:",
-       {"tsn:Europe/Paris", 3, 1, nullptr, ns},
-       IDX_Filter_Op_LowerTime,
-       IDX_Filter_Type_Time,
-       new BBDOperandTimeConst(midnight),
-       {D, H, H}},
-  };
-  for (const Row& row : rows) {
-    EXPECT_EQ(row.expected, Answers(row.column, row.op, row.type, row.constant, 3)) << row.what;
+  for (const auto& row : rows) {
+    EXPECT_EQ(row.expected, Answers(row.column, row.op, row.constant, 3))
+        << row.column.schema.format;
   }
   // A date reads as midnight UTC; one second before is not it.
   const ArrowColumn dates("tdD", 3, 1, validity, days);
-  std::unique_ptr<BBDExpression> between(new BBDBasicExpression(
-      IDX_Filter_Op_BetweenTime,
-      new BBDOperandAttribute(new AttributeTypePair(0, 0), IDX_Filter_Type_Time),
-      new BBDOperandTimeConst(midnight), new BBDOperandTimeConst(midnight)));
+  std::unique_ptr<BBDExpression> between(Compare(
+      IDX_Filter_Op_BetweenTime, Column(IDX_Filter_Type_Time), Time(midnight), Time(midnight)));
   BBDFilterBatch batch(between.get());
   ASSERT_EQ(KOR_S_OK, batch.BindArrow(AttributeTypePair(0, 0), &dates.schema, &dates.array));
   KORStatus answers[3];

@@ -1,4 +1,4 @@
-#include "platform/kor_file.h"
+#include "idxbase/kor_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <climits>
 
-namespace idxbase::detail {
+namespace idxbase {
 namespace {
 
 // As many links as Linux follows in one path.
@@ -101,50 +101,50 @@ int CloseDescriptor(int fd) { return close(fd) == 0 ? 0 : errno; }
 Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
   if (this != &other) {
     static_cast<void>(Close());
-    fd_ = other.Release();
+    m_Fd = other.Release();
   }
   return *this;
 }
 
 int Descriptor::Release() {
-  const int fd = fd_;
-  fd_ = -1;
+  const int fd = m_Fd;
+  m_Fd = -1;
   return fd;
 }
 
 int Descriptor::Close() {
-  if (fd_ < 0) return 0;
+  if (m_Fd < 0) return 0;
   return CloseDescriptor(Release());
 }
 
 int FileReplacement::Open(const char* path) {
   Discard();
-  if (const int error = FollowLinks(path, target_); error != 0) return error;
+  if (const int error = FollowLinks(path, m_Target); error != 0) return error;
   // Opening the target for writing, without truncating it, asks whether
   // it may be written at all, and finds what it is. O_NONBLOCK keeps a
   // FIFO without a reader from hanging the caller (it fails with ENXIO).
-  Descriptor existing(OpenDescriptor(target_.c_str(), O_WRONLY | O_NONBLOCK));
+  Descriptor existing(OpenDescriptor(m_Target.c_str(), O_WRONLY | O_NONBLOCK));
   unsigned int mode = 0666;
   if (existing.valid()) {
     struct stat status {};
     if (fstat(existing.get(), &status) != 0) return errno;
     if (!S_ISREG(status.st_mode)) {
       if (const int error = ClearNonBlocking(existing.get()); error != 0) return error;
-      file_ = std::move(existing);  // written in place
+      m_File = std::move(existing);  // written in place
       return 0;
     }
     mode = status.st_mode & 07777;
   } else if (errno != ENOENT) {
     return errno;
   }
-  if (const int error = CreateTemporary(target_, mode, file_, temporary_); error != 0) {
+  if (const int error = CreateTemporary(m_Target, mode, m_File, m_Temporary); error != 0) {
     if (!existing.valid() || (error != EACCES && error != EPERM)) return error;
-    file_ = std::move(existing);
-    cutAtCommit_ = true;
+    m_File = std::move(existing);
+    m_CutAtCommit = true;
     return 0;
   }
   // The umask narrowed a new file's mode; a replaced file keeps its own.
-  if (existing.valid() && fchmod(file_.get(), static_cast<mode_t>(mode)) != 0) {
+  if (existing.valid() && fchmod(m_File.get(), static_cast<mode_t>(mode)) != 0) {
     const int error = errno;
     Discard();
     return error;
@@ -153,35 +153,35 @@ int FileReplacement::Open(const char* path) {
 }
 
 int FileReplacement::Write(const void* data, std::size_t size) {
-  const int error = WriteAll(file_.get(), data, size);
-  if (error == 0) written_ += static_cast<long long>(size);
+  const int error = WriteAll(m_File.get(), data, size);
+  if (error == 0) m_Written += static_cast<long long>(size);
   return error;
 }
 
 int FileReplacement::Commit() {
-  if (cutAtCommit_ && ftruncate(file_.get(), static_cast<off_t>(written_)) != 0) {
+  if (m_CutAtCommit && ftruncate(m_File.get(), static_cast<off_t>(m_Written)) != 0) {
     const int error = errno;
     Discard();
     return error;
   }
-  if (temporary_.empty()) return file_.Close();
-  int error = fsync(file_.get()) == 0 ? 0 : errno;
-  if (const int closeError = file_.Close(); error == 0) error = closeError;
-  if (error == 0 && rename(temporary_.c_str(), target_.c_str()) != 0) error = errno;
+  if (m_Temporary.empty()) return m_File.Close();
+  int error = fsync(m_File.get()) == 0 ? 0 : errno;
+  if (const int closeError = m_File.Close(); error == 0) error = closeError;
+  if (error == 0 && rename(m_Temporary.c_str(), m_Target.c_str()) != 0) error = errno;
   if (error != 0) {
     Discard();
     return error;
   }
-  temporary_.clear();
+  m_Temporary.clear();
   return 0;
 }
 
 void FileReplacement::Discard() {
-  static_cast<void>(file_.Close());
-  cutAtCommit_ = false;
-  written_ = 0;
-  if (!temporary_.empty()) unlink(temporary_.c_str());
-  temporary_.clear();
+  static_cast<void>(m_File.Close());
+  m_CutAtCommit = false;
+  m_Written = 0;
+  if (!m_Temporary.empty()) unlink(m_Temporary.c_str());
+  m_Temporary.clear();
 }
 
-}  // namespace idxbase::detail
+}  // namespace idxbase

@@ -4,8 +4,7 @@
 
 #include <cstdio>
 
-#include "platform/kor_file.h"
-#include "services/file_digest.h"
+#include "idxbase/kor_file.h"
 
 namespace {
 
@@ -17,15 +16,13 @@ constexpr char kChecksumSuffix[] = "checksum";
 // only once its new content is complete: a run that is killed, or that
 // cannot write, leaves the old checksum as it was.
 KORStatus IDX_Checksum::ComputeCheckSum(const KORUnicodeString& path) {
-  using idxbase::detail::FileReplacement;
   const KORUnicodeString checksumPath = path + "." + kChecksumSuffix;
-  FileReplacement output;
+  idxbase::FileReplacement output;
   if (output.Open(checksumPath.ConvertToChar()) != 0) {
     std::printf("ComputeCheckSum Cannot open %s in write mode\n", checksumPath.ConvertToChar());
     return KOR_E_FAIL;
   }
-  const idxbase::detail::Descriptor input(
-      idxbase::detail::OpenDescriptor(path.ConvertToChar(), O_RDONLY));
+  const idxbase::Descriptor input(idxbase::OpenDescriptor(path.ConvertToChar(), O_RDONLY));
   if (!input.valid()) {
     std::printf("ComputeCheckSum Cannot open %s in read mode\n", path.ConvertToChar());
     // Callers know an empty checksum file as the mark of an unreadable
@@ -34,8 +31,8 @@ KORStatus IDX_Checksum::ComputeCheckSum(const KORUnicodeString& path) {
     return KOR_E_FAIL;
   }
   // A read error ends the digest; it covers the bytes read before it.
-  const idxbase::detail::FileDigest digest = idxbase::detail::DigestDescriptor(input.get());
-  if (output.Write(digest.digits, idxbase::detail::kDigestDigits) != 0 || output.Commit() != 0) {
+  const idxbase::FileDigest digest = idxbase::DigestDescriptor(input.get());
+  if (output.Write(digest.digits, idxbase::kDigestDigits) != 0 || output.Commit() != 0) {
     return KOR_E_FAIL;
   }
   return KOR_S_OK;

@@ -2,38 +2,20 @@
 // `idxbase flags` shows, the environment variable, the rule by which it is
 // read, the value when it is not defined, and where the value goes (a
 // static member set at load, or the accessor that reads it at every call).
-// The loader (dev_flags.cpp) iterates these rows and the idxbase tool
-// prints them, so adding a switch is adding a row (and its member).
-//
-// Header-only constant data, so that a program linked against the shared
-// library (which hides this internal header's names) can use it too.
+// The loader (dev_flags.cpp) iterates these rows, and the exported
+// description of idxbase/dev_flags.h, which the idxbase tool prints,
+// derives from them: adding a switch is adding a row (and its member).
 #ifndef IDXBASE_SERVICES_DEV_FLAG_TABLE_H_
 #define IDXBASE_SERVICES_DEV_FLAG_TABLE_H_
 
 #include <cstddef>
 #include <cstdint>
 
+#include "idxbase/dev_flags.h"
 #include "idxbase/settings.h"
 
+// The rule and value types are the interface's (idxbase/dev_flags.h).
 namespace idxbase::detail {
-
-// How a switch turns its variable into a value.
-enum class FlagRule : unsigned char {
-  kSwitch,
-  kDefined,
-  kUndefined,
-  kNumber,
-  kSeconds,
-  kText,
-  kGeneration,
-  kNotNo,
-};
-
-struct FlagRuleInfo {
-  FlagRule rule;
-  const char* name;
-  const char* meaning;
-};
 
 inline constexpr FlagRuleInfo kFlagRules[] = {
     {FlagRule::kSwitch, "switch", "FALSE, NO and 0 (exactly) give false, any other value true"},
@@ -51,15 +33,6 @@ inline constexpr FlagRuleInfo kFlagRules[] = {
 constexpr const FlagRuleInfo& RuleInfo(FlagRule rule) {
   return kFlagRules[static_cast<std::size_t>(rule)];
 }
-
-// A switch value: a truth value, a number, or a text (null when the
-// variable is not defined).
-struct FlagValue {
-  enum class Kind : unsigned char { kTruth, kNumber, kText };
-  Kind kind;
-  std::int64_t number;  // kTruth: 0 or 1; kNumber: the value
-  const char* text;     // kText only
-};
 
 constexpr FlagValue Truth(bool value) { return {FlagValue::Kind::kTruth, value ? 1 : 0, nullptr}; }
 constexpr FlagValue Number(std::int64_t value) {
@@ -223,6 +196,9 @@ constexpr bool RulesInEnumOrder() {
   return true;
 }
 static_assert(RulesInEnumOrder(), "kFlagRules is indexed by FlagRule");
+static_assert(sizeof kFlagRules / sizeof kFlagRules[0] ==
+                  static_cast<std::size_t>(FlagRule::kNotNo) + 1,
+              "one rule row per FlagRule");
 
 // The row of the switch that `accessor` reads at every call; the row count
 // when no row names it.

@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "idxbase/dev_flags.h"
 #include "idxbase/kor_system.h"
 #include "idxbase/settings.h"
 
@@ -94,13 +95,35 @@ std::int32_t ParseInteger(const char* text) {
 
 }  // namespace idxbase::detail
 
+namespace idxbase {
+
+const FlagRuleInfo* DescribeFlagRules(std::size_t& count) {
+  count = std::size(detail::kFlagRules);
+  return detail::kFlagRules;
+}
+
+std::size_t DevFlagCount() { return std::size(detail::kDevFlags); }
+
+DevFlagInfo DescribeDevFlag(std::size_t index) {
+  const detail::DevFlag& flag = detail::kDevFlags[index];
+  return {flag.name,
+          flag.variable,
+          flag.secondVariable,
+          &detail::RuleInfo(flag.rule),
+          flag.ReadAtEachCall(),
+          flag.fallback,
+          detail::CurrentValue(flag)};
+}
+
+}  // namespace idxbase
+
 namespace {
 
 using idxbase::detail::EvaluateFlag;
 
 // The value of the switch that `accessor` reads at every call.
 template <auto accessor>
-idxbase::detail::FlagValue ReadNow() {
+idxbase::FlagValue ReadNow() {
   constexpr std::size_t kIndex = idxbase::detail::FlagIndexOf(accessor);
   static_assert(kIndex < std::size(idxbase::detail::kDevFlags), "an accessor without its row");
   return EvaluateFlag(idxbase::detail::kDevFlags[kIndex], KORGetEnv);

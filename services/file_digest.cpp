@@ -1,14 +1,13 @@
-#include "services/file_digest.h"
-
+// The digest of a file as a checksum file records it (idxbase/checksum.h).
 #include <cerrno>
 #include <memory>
 
 #include "idxbase/checksum.h"
 #include "idxbase/hashing.h"
+#include "idxbase/kor_file.h"
 #include "idxbase/settings.h"
-#include "platform/kor_file.h"
 
-namespace idxbase::detail {
+namespace idxbase {
 
 FileDigest DigestDescriptor(int fd, const DigestProgress& progress) {
   const unsigned int bufferSize = IDX_Base_Constants::MD5_BUFFERS_SIZE;
@@ -30,4 +29,4 @@ FileDigest DigestDescriptor(int fd, const DigestProgress& progress) {
   return result;
 }
 
-}  // namespace idxbase::detail
+}  // namespace idxbase

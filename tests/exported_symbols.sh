@@ -44,7 +44,10 @@ for name in 'KORUnicodeString::KORUnicodeString(char const\*)' 'KORSysTSUnicodeS
     'PLMIdxIBaseOctree::GetOctreeType' 'vtable for IDX_Base_RTree' 'IDX_Base_RTree::IDX_Base_RTree()' \
     'IDX_Base_ListOf_Point::Append' 'IDX_Base_ListOf_Triangle::GetArray' \
     'BBDLock::Lock(' 'vtable for BBDLock' 'RealIsProcessAlive(' \
-    'IDX_Checksum::ComputeCheckSum(' 'MD5Init' 'MD5Update' 'MD5Final' 'MD5Transform'; do
+    'IDX_Checksum::ComputeCheckSum(' 'MD5Init' 'MD5Update' 'MD5Final' 'MD5Transform' \
+    'idxbase::DigestDescriptor(' 'idxbase::FileReplacement::Commit()' 'idxbase::Descriptor::Close()' \
+    'idxbase::OpenDescriptor(' 'idxbase::WriteAll(' 'idxbase::DescribeDevFlag(' \
+    'idxbase::DescribeFlagRules('; do
   if ! grep -qF -- "${name//\\/}" <<<"$symbols"; then
     echo "missing from the exports: $name"
     fail=1
@@ -62,7 +65,7 @@ if [ -n "$standard" ]; then
   echo "$standard"
   fail=1
 fi
-interface='^(vtable for |typeinfo for |typeinfo name for |VTT for |guard variable for |non-virtual thunk to )?(KOR|_KOR|IDX_|PLM|BBD|AttributeTypePair|GetAboutInfo|RealIsProcessAlive|MD5|ConvertToHexa|operator[+=!<>]|_init$|_fini$)'
+interface='^(vtable for |typeinfo for |typeinfo name for |VTT for |guard variable for |non-virtual thunk to )?(KOR|_KOR|IDX_|PLM|BBD|AttributeTypePair|GetAboutInfo|RealIsProcessAlive|MD5|ConvertToHexa|idxbase::|operator[+=!<>]|_init$|_fini$)'
 leaks=$(grep -vE "$interface" <<<"$names" | grep -vE "$standard_re|^\$" || true)
 if [ -n "$leaks" ]; then
   echo "exported but not part of the interface:"

@@ -19,11 +19,11 @@
 #include "checksum_lines.h"
 #include "command_line.h"
 #include "commands.h"
+#include "idxbase/checksum.h"
+#include "idxbase/kor_file.h"
 #include "input_file.h"
-#include "platform/kor_file.h"
 #include "progress_bar.h"
 #include "removal_on_signal.h"
-#include "services/file_digest.h"
 
 namespace idxbase_tool {
 namespace {
@@ -63,7 +63,7 @@ constexpr CommandHelp kHelp{
     "(one line on standard error for each); 2 on a usage error.\n"};
 
 constexpr char kName[] = "checksum";
-constexpr std::size_t kDigits = idxbase::detail::kDigestDigits;
+constexpr std::size_t kDigits = idxbase::kDigestDigits;
 constexpr std::size_t kMaxSumFileBytes = std::size_t{1} << 30;
 // Enough of a file to hold its first checksum line, whatever its name.
 constexpr std::size_t kFirstLineBytes = 16384;
@@ -192,8 +192,8 @@ void AddCheckJobs(const char* path, bool gnu, std::vector<Job>& jobs) {
 }
 
 // What is done with a digest once the file is read.
-void Conclude(const Job& job, const idxbase::detail::FileDigest& digest,
-              idxbase::detail::FileReplacement& output, Outcome& outcome) {
+void Conclude(const Job& job, const idxbase::FileDigest& digest, idxbase::FileReplacement& output,
+              Outcome& outcome) {
   const std::string_view digits(digest.digits, kDigits);
   if (job.task == Task::kPrintLine) {
     outcome.Say(Outcome::kOutput, ChecksumLine(digits, job.path));
@@ -224,7 +224,7 @@ Outcome Run(const Job& job, bool showProgress) {
   }
   // The checksum file is prepared before the long read, so that a file
   // that cannot be written is reported at once.
-  idxbase::detail::FileReplacement output;
+  idxbase::FileReplacement output;
   if (job.task == Task::kWrite) {
     const std::string checksumPath = job.path + ".checksum";
     if (const int error = output.Open(checksumPath.c_str()); error != 0) {
@@ -236,8 +236,8 @@ Outcome Run(const Job& job, bool showProgress) {
   const RemovedOnSignal unfinished(output.temporary());
   std::optional<ProgressBar> progress;
   if (showProgress) progress.emplace(job.path, input.size());
-  const idxbase::detail::FileDigest digest =
-      idxbase::detail::DigestDescriptor(input.fd(), [&](std::uint64_t bytes) {
+  const idxbase::FileDigest digest =
+      idxbase::DigestDescriptor(input.fd(), [&](std::uint64_t bytes) {
         if (progress) progress->Advance(bytes);
       });
   progress.reset();

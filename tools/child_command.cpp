@@ -13,8 +13,8 @@
 #include <vector>
 
 #include "command_line.h"
+#include "idxbase/kor_file.h"
 #include "idxbase/kor_system.h"
-#include "platform/kor_file.h"
 
 extern char** environ;
 
@@ -120,7 +120,7 @@ std::vector<std::string> Candidates(const char* name) {
       break;
     }
   }
-  static_cast<void>(idxbase::detail::WriteAll(errorPipe, &error, sizeof error));
+  static_cast<void>(idxbase::WriteAll(errorPipe, &error, sizeof error));
   _exit(127);
 }
 
@@ -144,8 +144,8 @@ int RunAndWait(const char* tool, char** argv) {
     ReportError(tool, "cannot run '%s': %s", argv[0], std::strerror(errno));
     return 126;
   }
-  idxbase::detail::Descriptor readEnd(errorPipe[0]);
-  idxbase::detail::Descriptor writeEnd(errorPipe[1]);
+  idxbase::Descriptor readEnd(errorPipe[0]);
+  idxbase::Descriptor writeEnd(errorPipe[1]);
 
   // The forwarded signals wait, blocked, until the child's id is known.
   SignalForwarding forwarding;
@@ -164,7 +164,7 @@ int RunAndWait(const char* tool, char** argv) {
   }
   static_cast<void>(writeEnd.Close());
   int execError = 0;
-  const long count = idxbase::detail::ReadSome(readEnd.get(), &execError, sizeof execError);
+  const long count = idxbase::ReadSome(readEnd.get(), &execError, sizeof execError);
   const int status = WaitFor(child);
   if (count != static_cast<long>(sizeof execError)) return status;
   ReportError(tool, "cannot run '%s': %s", argv[0], std::strerror(execError));

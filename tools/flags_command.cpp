@@ -1,5 +1,5 @@
-// idxbase flags: the development switches, from the library's switch
-// table, with the values the library read.
+// idxbase flags: the development switches as the library describes them
+// (idxbase/dev_flags.h), with the values the library read.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -8,13 +8,13 @@
 
 #include "command_line.h"
 #include "commands.h"
-#include "services/dev_flag_table.h"
+#include "idxbase/dev_flags.h"
 
 namespace idxbase_tool {
 namespace {
 
-using idxbase::detail::DevFlag;
-using idxbase::detail::FlagValue;
+using idxbase::DevFlagInfo;
+using idxbase::FlagValue;
 
 // The help, with the rules as the switch table states them.
 const CommandHelp& Help() {
@@ -28,9 +28,11 @@ const CommandHelp& Help() {
         "           rule, default and value (true/false, numbers, strings or null)\n"
         "\n"
         "Rules:\n";
-    for (const auto& rule : idxbase::detail::kFlagRules) {
+    std::size_t count = 0;
+    const idxbase::FlagRuleInfo* rules = idxbase::DescribeFlagRules(count);
+    for (std::size_t i = 0; i < count; ++i) {
       char line[160];
-      std::snprintf(line, sizeof line, "  %-10s  %s\n", rule.name, rule.meaning);
+      std::snprintf(line, sizeof line, "  %-10s  %s\n", rules[i].name, rules[i].meaning);
       text += line;
     }
     return text +
@@ -43,14 +45,14 @@ const CommandHelp& Help() {
 
 using Row = std::array<std::string, 5>;
 
-std::string Variables(const DevFlag& flag) {
+std::string Variables(const DevFlagInfo& flag) {
   std::string text = flag.variable;
   if (flag.secondVariable != nullptr) text += std::string(",") + flag.secondVariable;
   return text;
 }
 
-std::string Rule(const DevFlag& flag) {
-  return std::string(RuleInfo(flag.rule).name) + (flag.ReadAtEachCall() ? ", per call" : "");
+std::string Rule(const DevFlagInfo& flag) {
+  return std::string(flag.rule->name) + (flag.readAtEachCall ? ", per call" : "");
 }
 
 std::string Plain(const FlagValue& value) {
@@ -89,9 +91,10 @@ std::string Json(const FlagValue& value) {
 
 void PrintTable() {
   std::vector<Row> rows = {{"NAME", "VARIABLE", "RULE", "DEFAULT", "VALUE"}};
-  for (const DevFlag& flag : idxbase::detail::kDevFlags) {
+  for (std::size_t i = 0; i < idxbase::DevFlagCount(); ++i) {
+    const DevFlagInfo flag = idxbase::DescribeDevFlag(i);
     rows.push_back(
-        {flag.name, Variables(flag), Rule(flag), Plain(flag.fallback), Plain(CurrentValue(flag))});
+        {flag.name, Variables(flag), Rule(flag), Plain(flag.fallback), Plain(flag.current)});
   }
   std::array<int, 4> widths{};
   for (const Row& row : rows) {
@@ -110,12 +113,12 @@ void PrintTable() {
 void PrintJson() {
   std::printf("[");
   const char* separator = "\n";
-  for (const DevFlag& flag : idxbase::detail::kDevFlags) {
+  for (std::size_t i = 0; i < idxbase::DevFlagCount(); ++i) {
+    const DevFlagInfo flag = idxbase::DescribeDevFlag(i);
     std::printf(
         "%s  {\"name\": %s, \"variable\": %s, \"rule\": %s, \"default\": %s, \"value\": %s}",
         separator, JsonString(flag.name).c_str(), JsonString(Variables(flag)).c_str(),
-        JsonString(Rule(flag)).c_str(), Json(flag.fallback).c_str(),
-        Json(CurrentValue(flag)).c_str());
+        JsonString(Rule(flag)).c_str(), Json(flag.fallback).c_str(), Json(flag.current).c_str());
     separator = ",\n";
   }
   std::printf("\n]\n");

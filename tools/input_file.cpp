@@ -7,12 +7,12 @@
 #include <cerrno>
 #include <cstring>
 
-#include "platform/kor_file.h"
+#include "idxbase/kor_file.h"
 
 namespace idxbase_tool {
 
 InputFile::~InputFile() {
-  if (descriptor_ >= 0) static_cast<void>(idxbase::detail::Descriptor(descriptor_).Close());
+  if (descriptor_ >= 0) static_cast<void>(idxbase::Descriptor(descriptor_).Close());
 }
 
 bool InputFile::Open(const char* path) {
@@ -22,7 +22,7 @@ bool InputFile::Open(const char* path) {
   }
   // O_NONBLOCK: opening a FIFO without a writer would wait for one. It
   // is cleared again once the file is known to be a regular one.
-  descriptor_ = idxbase::detail::OpenDescriptor(path, O_RDONLY | O_NONBLOCK);
+  descriptor_ = idxbase::OpenDescriptor(path, O_RDONLY | O_NONBLOCK);
   struct stat status {};
   if (descriptor_ < 0 || fstat(descriptor_, &status) != 0) {
     SetError(errno);
@@ -44,7 +44,7 @@ bool InputFile::Open(const char* path) {
 int InputFile::fd() const { return standardInput_ ? STDIN_FILENO : descriptor_; }
 
 long InputFile::Read(char* buffer, std::size_t capacity) {
-  return idxbase::detail::ReadSome(fd(), buffer, capacity);
+  return idxbase::ReadSome(fd(), buffer, capacity);
 }
 
 void InputFile::SetError(int error) { error_ = std::strerror(error); }

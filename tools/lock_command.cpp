@@ -15,9 +15,9 @@
 #include "child_command.h"
 #include "command_line.h"
 #include "commands.h"
+#include "idxbase/kor_file.h"
 #include "idxbase/kor_system.h"
 #include "idxbase/lock.h"
-#include "platform/kor_file.h"
 
 namespace idxbase_tool {
 namespace {
@@ -70,7 +70,7 @@ class StdoutToStderr {
     if (saved_ < 0) return;
     std::fflush(stdout);
     KORDuplicateDescriptor(saved_, STDOUT_FILENO);
-    static_cast<void>(idxbase::detail::CloseDescriptor(saved_));
+    static_cast<void>(idxbase::CloseDescriptor(saved_));
     saved_ = -1;
   }
 

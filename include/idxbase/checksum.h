@@ -3,6 +3,7 @@
 #define IDXBASE_CHECKSUM_H_
 
 #include <cstdint>
+#include <functional>
 
 #include "idxbase/export.h"
 #include "idxbase/kor_string.h"
@@ -44,6 +45,34 @@ class IDXBASE_API IDX_Checksum {
  private:
   IDX_Checksum() = default;
 };
+
+namespace idxbase {
+
+// The digits of an MD5 digest in a checksum file.
+constexpr int kDigestDigits = 32;
+
+// The digest of a file as a checksum file records it.
+struct FileDigest {
+  char digits[kDigestDigits + 1] = {};  // upper-case hexadecimal, null-terminated
+  std::uint64_t bytesRead = 0;          // the bytes the digest covers
+  int readError = 0;                    // 0, or the errno of the read that ended it early
+};
+
+// Called after each block with the number of bytes it held, on the thread
+// that digests.
+using DigestProgress = std::function<void(std::uint64_t blockBytes)>;
+
+// Digests what descriptor `fd` yields from where it stands to its end or
+// to its first read error; the digest then covers the bytes read before
+// the error, which is in readError. The one routine that ComputeCheckSum
+// and the idxbase tool read files with, so that they agree on every byte
+// and every error. Reads blocks of IDX_Base_Constants::MD5_BUFFERS_SIZE
+// bytes into one buffer allocated for the call (its allocation failure
+// passes to the caller); does not close `fd`. Any thread; calls on
+// different descriptors are independent.
+IDXBASE_API FileDigest DigestDescriptor(int fd, const DigestProgress& progress = {});
+
+}  // namespace idxbase
 
 extern "C" {
 

@@ -7,6 +7,7 @@
 #include "idxbase/bit_array.h"
 #include "idxbase/byte_runs.h"
 #include "idxbase/checksum.h"
+#include "idxbase/dev_flags.h"
 #include "idxbase/export.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_batch.h"

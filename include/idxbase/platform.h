@@ -1,10 +1,11 @@
 // The foundation layer that idxbase runs on and shares with its callers:
-// strings, time, collections, points and vectors, threads, settings and
-// operating-system services.
+// strings, time, collections, points and vectors, threads, settings,
+// file descriptors and operating-system services.
 #ifndef IDXBASE_PLATFORM_H_
 #define IDXBASE_PLATFORM_H_
 
 #include "idxbase/kor_collections.h"
+#include "idxbase/kor_file.h"
 #include "idxbase/kor_math.h"
 #include "idxbase/kor_settings.h"
 #include "idxbase/kor_string.h"

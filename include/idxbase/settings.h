@@ -20,9 +20,9 @@
 // isPlmIndexInProcess) read their variables afresh at every call instead.
 //
 // Every switch's variable, reading rule and default are listed once, in
-// the switch table of the library's sources (services/dev_flag_table.h),
-// which the loader reads and `idxbase flags` prints with the values in
-// effect.
+// the library's switch table, which the loader reads; idxbase/dev_flags.h
+// describes its rows with the values in effect, as `idxbase flags` prints
+// them.
 //
 // The library itself consults none of these switches; the engine does.
 class IDXBASE_API IDX_DEV_LA {

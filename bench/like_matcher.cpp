@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "filter/string_compare.h"
-#include "tests/support/like_reference.h"
+#include "tests/support/string_reference.h"
 
 namespace {
 

@@ -12,27 +12,12 @@
 
 #include "filter/string_compare.h"
 #include "fuzz_check.h"
-#include "support/like_reference.h"
+#include "support/string_reference.h"
 
 namespace {
 
 using idxbase_fuzz::Check;
 using idxbase_fuzz::ExactBytes;
-
-// The ordering written out: signed bytes, A-Z folded onto a-z unless case
-// sensitive, then the shorter string first.
-int ModelCompare(bool caseSensitive, int lengthA, const char* a, int lengthB, const char* b) {
-  for (int k = 0; k < lengthA && k < lengthB; ++k) {
-    int x = static_cast<signed char>(a[k]);
-    int y = static_cast<signed char>(b[k]);
-    if (!caseSensitive && x >= 'A' && x <= 'Z') x += 'a' - 'A';
-    if (!caseSensitive && y >= 'A' && y <= 'Z') y += 'a' - 'A';
-    if (x < y) return -1;
-    if (x > y) return 1;
-  }
-  if (lengthA < lengthB) return -1;
-  return lengthA > lengthB ? 1 : 0;
-}
 
 // One side of a comparison: its bytes and the length passed with them.
 struct Side {
@@ -69,7 +54,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using idxbase::detail::CompareStrings;
   const int order =
       CompareStrings(caseSensitive, a.length, a.bytes.chars(), b.length, b.bytes.chars());
-  Check(order == ModelCompare(caseSensitive, a.length, a.bytes.chars(), b.length, b.bytes.chars()),
+  Check(order == idxbase_test::ReferenceCompare(caseSensitive, a.length, a.bytes.chars(), b.length,
+                                                b.bytes.chars()),
         "CompareStrings differs from the model");
   Check(
       -order == CompareStrings(caseSensitive, b.length, b.bytes.chars(), a.length, a.bytes.chars()),

@@ -23,8 +23,8 @@
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 #include "random_filters.h"
-#include "support/like_reference.h"
 #include "support/stdout_capture.h"
+#include "support/string_reference.h"
 
 namespace {
 
@@ -40,19 +40,6 @@ const char kNullOperand[] = "Warning : null operand in BBDBasicExpression::Compi
 
 // ---------------------------------------------------------------------
 // The reference evaluator.
-
-// The string ordering: signed bytes, A-Z folded unless case sensitive,
-// then the shorter first.
-int CompareText(bool caseSensitive, const Text& a, const Text& b) {
-  for (int k = 0; k < a.length && k < b.length; ++k) {
-    int x = static_cast<signed char>(a.bytes[k]);
-    int y = static_cast<signed char>(b.bytes[k]);
-    if (!caseSensitive && x >= 'A' && x <= 'Z') x += 'a' - 'A';
-    if (!caseSensitive && y >= 'A' && y <= 'Z') y += 'a' - 'A';
-    if (x != y) return x < y ? -1 : 1;
-  }
-  return a.length < b.length ? -1 : (a.length > b.length ? 1 : 0);
-}
 
 // A value read from an operand in one type.
 struct Value {
@@ -163,7 +150,9 @@ class Reference {
       case Type::kBool:
         return Relation{false, false, a.b == b.b};
       case Type::kString:
-        return Relate(CompareText(caseSensitive_, a.s, b.s), 0);
+        return Relate(idxbase_test::ReferenceCompare(caseSensitive_, a.s.length, a.s.bytes.data(),
+                                                     b.s.length, b.s.bytes.data()),
+                      0);
       case Type::kTime:
         return Relate(a.t.Order(), b.t.Order());
     }

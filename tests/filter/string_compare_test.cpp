@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "support/like_reference.h"
+#include "support/string_reference.h"
 
 namespace {
 
@@ -95,18 +95,8 @@ TEST(CompareLikeStrings, CaseFoldingAndLengthEdges) {
   }
 }
 
+using idxbase_test::ReferenceCompare;
 using idxbase_test::ReferenceLike;
-
-int ReferenceCompare(bool caseSensitive, int lengthA, const char* a, int lengthB, const char* b) {
-  for (int k = 0; k < lengthA && k < lengthB; ++k) {
-    signed char x = static_cast<signed char>(a[k]);
-    signed char y = static_cast<signed char>(b[k]);
-    if (!caseSensitive && x >= 'A' && x <= 'Z') x = static_cast<signed char>(x + 32);
-    if (!caseSensitive && y >= 'A' && y <= 'Z') y = static_cast<signed char>(y + 32);
-    if (x != y) return x < y ? -1 : 1;
-  }
-  return lengthA < lengthB ? -1 : (lengthA > lengthB ? 1 : 0);
-}
 
 class RandomText {
  public:

@@ -1,11 +1,27 @@
-// The "*" matcher written out byte by byte, as the plain model that the
-// tests and the benchmark hold the filter engine's matcher against: each
-// segment of the pattern is searched from the end of the previous match,
-// restarting one byte further on each mismatch.
-#ifndef IDXBASE_TESTS_SUPPORT_LIKE_REFERENCE_H_
-#define IDXBASE_TESTS_SUPPORT_LIKE_REFERENCE_H_
+// The filter engine's string ordering and "*" matcher written out byte by
+// byte, as the plain models that the tests, the fuzz targets and the
+// benchmark hold the engine's against.
+#ifndef IDXBASE_TESTS_SUPPORT_STRING_REFERENCE_H_
+#define IDXBASE_TESTS_SUPPORT_STRING_REFERENCE_H_
 
 namespace idxbase_test {
+
+// The ordering: signed bytes, A-Z folded onto a-z unless case sensitive,
+// then the shorter string first; a length of 0 or less reads nothing.
+inline int ReferenceCompare(bool caseSensitive, int lengthA, const char* a, int lengthB,
+                            const char* b) {
+  for (int k = 0; k < lengthA && k < lengthB; ++k) {
+    int x = static_cast<signed char>(a[k]);
+    int y = static_cast<signed char>(b[k]);
+    if (!caseSensitive && x >= 'A' && x <= 'Z') x += 'a' - 'A';
+    if (!caseSensitive && y >= 'A' && y <= 'Z') y += 'a' - 'A';
+    if (x != y) return x < y ? -1 : 1;
+  }
+  return lengthA < lengthB ? -1 : (lengthA > lengthB ? 1 : 0);
+}
+
+// The matcher: each segment of the pattern is searched from the end of the
+// previous match, restarting one byte further on each mismatch.
 
 inline int ReferenceLike(bool caseSensitive, int lengthS, const char* s, int lengthP,
                          const char* p) {
@@ -61,4 +77,4 @@ inline int ReferenceLike(bool caseSensitive, int lengthS, const char* s, int len
 
 }  // namespace idxbase_test
 
-#endif  // IDXBASE_TESTS_SUPPORT_LIKE_REFERENCE_H_
+#endif  // IDXBASE_TESTS_SUPPORT_STRING_REFERENCE_H_

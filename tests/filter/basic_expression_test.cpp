@@ -6,7 +6,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "filter_test_support.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
+#include "platform/scoped_env.h"
 
 namespace {
 
@@ -135,33 +135,10 @@ TEST_F(BasicExpressionTest, FloatsCompareWithoutTolerance) {
   EXPECT_EQ(D, Eval(between));
 }
 
-// Sets TZ for the life of the object.
-class ScopedTimeZone {
- public:
-  explicit ScopedTimeZone(const char* zone) {
-    const char* old = std::getenv("TZ");
-    hadOld_ = old != nullptr;
-    if (hadOld_) old_ = old;
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  ~ScopedTimeZone() {
-    if (hadOld_) {
-      setenv("TZ", old_.c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-
- private:
-  bool hadOld_ = false;
-  std::string old_;
-};
-
 TEST_F(BasicExpressionTest, EqualTimeComparesTheLocalCalendarDay) {
   auto equal = [&](const char* zone, std::int64_t a, std::int64_t b) {
-    ScopedTimeZone tz(zone);
+    idxbase_test::ScopedEnv env;
+    env.Set("TZ", zone);
     BBDBasicExpression e(IDX_Filter_Op_EqualTime,
                          new BBDOperandTimeConst(KORTime::FromEpochSeconds(a)),
                          new BBDOperandTimeConst(KORTime::FromEpochSeconds(b)));

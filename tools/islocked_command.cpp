@@ -5,6 +5,7 @@
 #include "command_line.h"
 #include "commands.h"
 #include "idxbase/lock.h"
+#include "stdout_to_stderr.h"
 
 namespace idxbase_tool {
 namespace {
@@ -12,7 +13,8 @@ namespace {
 constexpr CommandHelp kHelp{
     "islocked", "DIR [--owner N] [--quiet]",
     "Tells whether a living owner holds the lock of directory DIR\n"
-    "(BBDLock::IsLocked), printing \"locked\" or \"not locked\".\n"
+    "(BBDLock::IsLocked), printing \"locked\" or \"not locked\". The library's\n"
+    "messages about the lock files it finds go to standard error.\n"
     "\n"
     "  --owner N   ignore the lock files of owner N (default: consider every owner)\n"
     "  --quiet     print nothing, not even the library's liveness messages\n"
@@ -45,7 +47,11 @@ int IsLockedCommand(int argc, char** argv) {
   if (!CheckDirectory(kName, directory)) return kExitUsage;
 
   const bool quiet = arguments.Has("--quiet");
-  const bool locked = BBDLock::IsLocked(directory, owner, quiet);
+  bool locked = false;
+  {
+    const StdoutToStderr libraryMessages;
+    locked = BBDLock::IsLocked(directory, owner, quiet);
+  }
   if (!quiet) std::puts(locked ? "locked" : "not locked");
   return locked ? kExitSuccess : kExitNegative;
 }

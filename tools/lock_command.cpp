@@ -18,6 +18,7 @@
 #include "idxbase/kor_file.h"
 #include "idxbase/kor_system.h"
 #include "idxbase/lock.h"
+#include "stdout_to_stderr.h"
 
 namespace idxbase_tool {
 namespace {
@@ -50,32 +51,6 @@ constexpr char kName[] = "lock";
 constexpr unsigned int kRetryMilliseconds = 500;
 
 using Clock = std::chrono::steady_clock;
-
-// Sends standard output to standard error while it lives: the library
-// writes its messages about foreign locks to standard output, which
-// belongs to the command run under the lock.
-class StdoutToStderr {
- public:
-  StdoutToStderr() {
-    std::fflush(stdout);
-    saved_ = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3);
-    if (saved_ >= 0 && KORDuplicateDescriptor(STDERR_FILENO, STDOUT_FILENO) < 0) Restore();
-  }
-  ~StdoutToStderr() { Restore(); }
-  StdoutToStderr(const StdoutToStderr&) = delete;
-  StdoutToStderr& operator=(const StdoutToStderr&) = delete;
-
- private:
-  void Restore() {
-    if (saved_ < 0) return;
-    std::fflush(stdout);
-    KORDuplicateDescriptor(saved_, STDOUT_FILENO);
-    static_cast<void>(idxbase::CloseDescriptor(saved_));
-    saved_ = -1;
-  }
-
-  int saved_ = -1;
-};
 
 // A whole or decimal number of seconds, 0 or more.
 bool ParseSeconds(const char* text, double& seconds) {

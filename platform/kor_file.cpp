@@ -59,6 +59,16 @@ int CreateTemporary(const std::string& target, unsigned int mode, Descriptor& fi
   return error;
 }
 
+// Flushes the entries of the directory holding `path` to the disk, so that
+// a rename there survives a crash. Best effort: the content is already in
+// place, and some file systems cannot sync a directory.
+void SyncDirectoryOf(const std::string& path) {
+  const std::string directory = DirectoryPart(path);
+  Descriptor entries(
+      OpenDescriptor(directory.empty() ? "." : directory.c_str(), O_RDONLY | O_DIRECTORY));
+  if (entries.valid()) static_cast<void>(fsync(entries.get()));
+}
+
 int ClearNonBlocking(int fd) {
   const int flags = fcntl(fd, F_GETFL);
   if (flags < 0 || fcntl(fd, F_SETFL, flags & ~O_NONBLOCK) != 0) return errno;
@@ -125,8 +135,8 @@ int FileReplacement::Open(const char* path) {
   // FIFO without a reader from hanging the caller (it fails with ENXIO).
   Descriptor existing(OpenDescriptor(m_Target.c_str(), O_WRONLY | O_NONBLOCK));
   unsigned int mode = 0666;
+  struct stat status {};
   if (existing.valid()) {
-    struct stat status {};
     if (fstat(existing.get(), &status) != 0) return errno;
     if (!S_ISREG(status.st_mode)) {
       if (const int error = ClearNonBlocking(existing.get()); error != 0) return error;
@@ -143,8 +153,17 @@ int FileReplacement::Open(const char* path) {
     m_CutAtCommit = true;
     return 0;
   }
+  if (!existing.valid()) return 0;
+  // A replaced file keeps its owner and group where we may give them (as
+  // root, or a group we belong to); otherwise it is ours, as an edited copy
+  // would be. Giving them first keeps the mode's set-id bits, which a
+  // change of owner clears.
+  if (status.st_uid != geteuid() || status.st_gid != getegid()) {
+    static_cast<void>(fchown(m_File.get(), status.st_uid, status.st_gid) == 0 ||
+                      fchown(m_File.get(), static_cast<uid_t>(-1), status.st_gid) == 0);
+  }
   // The umask narrowed a new file's mode; a replaced file keeps its own.
-  if (existing.valid() && fchmod(m_File.get(), static_cast<mode_t>(mode)) != 0) {
+  if (fchmod(m_File.get(), static_cast<mode_t>(mode)) != 0) {
     const int error = errno;
     Discard();
     return error;
@@ -173,6 +192,7 @@ int FileReplacement::Commit() {
     return error;
   }
   m_Temporary.clear();
+  SyncDirectoryOf(m_Target);
   return 0;
 }
 

@@ -73,8 +73,10 @@ class IDXBASE_API Descriptor {
 // followed to its final target, and the new file is made beside that
 // target. A target that exists and is not a regular file (a device such as
 // /dev/full, a FIFO) is written in place instead, and every write and the
-// close are checked. A replaced file keeps its permission bits; a new one
-// gets 0666 less the umask, as fopen gives.
+// close are checked. A replaced file keeps its permission bits, and its
+// owner and group where the caller may give them (as root); a new one gets
+// 0666 less the umask, as fopen gives. After the rename the directory is
+// flushed to the disk as well, where the file system allows.
 //
 // Owns the descriptor of the file being written and, until Commit, that
 // file itself: destroying the object without a successful Commit removes

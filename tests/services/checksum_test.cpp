@@ -3,6 +3,8 @@
 // OpenSSL is the reference; its header is included beside ours on purpose.
 #include <gtest/gtest.h>
 #include <openssl/md5.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -187,9 +189,22 @@ TEST_F(ChecksumTest, WritesThe32UpperCaseDigitsOfTheDigest) {
     const std::string path = dir_.Join("IndexAttribute" + std::to_string(size));
     const std::string data = RandomBytes(random, size);
     idxbase_test::WriteFile(path, data);
-    idxbase_test::WriteFile(path + ".checksum", std::string(100, 'x'));  // replaced
+    // The file replaced keeps its mode and, as root, its owner and group.
+    const std::string sum = path + ".checksum";
+    idxbase_test::WriteFile(sum, std::string(100, 'x'));
+    ASSERT_EQ(0, chmod(sum.c_str(), 0640));
+    const bool root = geteuid() == 0;
+    if (root) {
+      ASSERT_EQ(0, chown(sum.c_str(), 4321, 4322));
+    }
     EXPECT_EQ("", Compute(path, KOR_S_OK));
-    EXPECT_EQ(Uppercase(OpenSslDigest(data)), ReadFile(path + ".checksum")) << size;
+    EXPECT_EQ(Uppercase(OpenSslDigest(data)), ReadFile(sum)) << size;
+    struct stat status {};
+    ASSERT_EQ(0, stat(sum.c_str(), &status));
+    EXPECT_EQ(0640u, status.st_mode & 07777);
+    if (root) {
+      EXPECT_EQ(std::make_pair(4321u, 4322u), std::make_pair(status.st_uid, status.st_gid));
+    }
   }
   EXPECT_EQ("D41D8CD98F00B204E9800998ECF8427E", ReadFile(dir_.Join("IndexAttribute0.checksum")));
 }

@@ -4,9 +4,29 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 namespace idxbase_test {
+namespace {
+
+// True when `line` starts with a time stamp such as "[2026 Nov 16 18:20:05]".
+bool StartsWithStamp(const std::string& line) {
+  const std::string shape = "[dddd Mmm dd dd:dd:dd]";
+  if (line.size() < shape.size()) return false;
+  for (size_t i = 0; i < shape.size(); ++i) {
+    const bool digit = std::isdigit(static_cast<unsigned char>(line[i])) != 0;
+    if (shape[i] == 'd' ? !digit : shape[i] != 'M' && shape[i] != 'm' && line[i] != shape[i]) {
+      return false;
+    }
+  }
+  const std::size_t month =
+      std::string("JanFebMarAprMayJunJulAugSepOctNovDec").find(line.substr(6, 3));
+  return month != std::string::npos && month % 3 == 0;
+}
+
+}  // namespace
 
 StdoutCapture::StdoutCapture() {
   std::fflush(stdout);
@@ -30,6 +50,23 @@ std::string StdoutCapture::Finish() {
     savedStdout_ = -1;
   }
   return ReadFile(dir_.Join("stdout"));
+}
+
+std::string Unstamped(const std::string& text, bool firstLineOnly) {
+  std::string result;
+  for (std::size_t start = 0, end = 0; start < text.size(); start = end) {
+    end = std::min(text.find('\n', start), text.size() - 1) + 1;
+    std::string line = text.substr(start, end - start);
+    if (start == 0 || !firstLineOnly) {
+      if (StartsWithStamp(line)) {
+        line.erase(0, 22);
+      } else {
+        ADD_FAILURE() << "no time stamp: " << line;
+      }
+    }
+    result += line;
+  }
+  return result;
 }
 
 }  // namespace idxbase_test

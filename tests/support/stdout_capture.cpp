@@ -5,25 +5,17 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
+#include <regex>
 
 namespace idxbase_test {
 namespace {
 
 // True when `line` starts with a time stamp such as "[2026 Nov 16 18:20:05]".
 bool StartsWithStamp(const std::string& line) {
-  const std::string shape = "[dddd Mmm dd dd:dd:dd]";
-  if (line.size() < shape.size()) return false;
-  for (size_t i = 0; i < shape.size(); ++i) {
-    const bool digit = std::isdigit(static_cast<unsigned char>(line[i])) != 0;
-    if (shape[i] == 'd' ? !digit : shape[i] != 'M' && shape[i] != 'm' && line[i] != shape[i]) {
-      return false;
-    }
-  }
-  const std::size_t month =
-      std::string("JanFebMarAprMayJunJulAugSepOctNovDec").find(line.substr(6, 3));
-  return month != std::string::npos && month % 3 == 0;
+  static const std::regex kStamp(
+      R"(\[\d{4} (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) \d\d \d\d:\d\d:\d\d\])");
+  return std::regex_match(line.substr(0, 22), kStamp);
 }
 
 }  // namespace

@@ -77,8 +77,20 @@ TEST(TriangleList, FailedCreationRefusesAppends) {
   EXPECT_EQ(uncountable.GetArray(), nullptr);
 }
 
-// Records are stored whole; RemoveAll keeps the storage for the next ones.
-TEST(TriangleList, StoresWholeRecordsAndRemoveAllKeepsTheStorage) {
+TEST(PointList, RemoveAllKeepsTheStorage) {
+  IDX_Base_ListOf_Point list(2);
+  list.Append({1, 2, 3});
+  list.Append({4, 5, 6});
+  const IDX_Point* storage = list.GetArray();
+  list.RemoveAll();
+  EXPECT_EQ(list.Size(), 0u);
+  list.Append({7, 8, 9});
+  EXPECT_EQ(list.GetArray(), storage);
+  EXPECT_EQ(list.Size(), 1u);
+  EXPECT_EQ(list.GetArray()[0].z, 9);
+}
+
+TEST(TriangleList, StoresWholeRecords) {
   IDX_Base_ListOf_Triangle list(0);
   for (std::uint32_t n = 0; n < 100; ++n) {
     ASSERT_EQ(list.Append({{n, n + 1, 0xFFFFFFFFu - n}}), IDX_True);
@@ -86,13 +98,8 @@ TEST(TriangleList, StoresWholeRecordsAndRemoveAllKeepsTheStorage) {
   ASSERT_EQ(list.Size(), 100u);
   EXPECT_EQ(list.GetArray()[99].corner[1], 100u);
   EXPECT_EQ(list.GetArray()[99].corner[2], 0xFFFFFFFFu - 99);
-  const auto* storage = list.GetArray();
   list.RemoveAll();
   EXPECT_EQ(list.Size(), 0u);
-  ASSERT_EQ(list.Append({{7, 8, 9}}), IDX_True);
-  EXPECT_EQ(list.GetArray(), storage);
-  EXPECT_EQ(list.Size(), 1u);
-  EXPECT_EQ(list.GetArray()[0].corner[2], 9u);
 }
 
 }  // namespace

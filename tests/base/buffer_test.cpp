@@ -48,7 +48,9 @@ const WritePath kWritePaths[] = {
     {"MakeUnique", [](TestBuffer& b) { b.MakeUnique(); }, "caller"},
 };
 
-TEST(Buffer, WritesDetachFromSharedRecords) {
+// A write gives the handle a private record that owns its bytes: copies
+// keep the shared record, and bytes the handle referred to stay untouched.
+TEST(Buffer, WritesDetachFromSharedRecordsAndReferredBytes) {
   for (const WritePath& path : kWritePaths) {
     SCOPED_TRACE(path.name);
     const TestBuffer original = Owning("caller");
@@ -56,12 +58,18 @@ TEST(Buffer, WritesDetachFromSharedRecords) {
     copy = original;
     const TestBuffer other(copy);
     ASSERT_EQ(copy.GetData(), original.GetData());
-
     path.write(copy);
     EXPECT_EQ(Contents(copy), path.expected);
     EXPECT_NE(copy.GetData(), original.GetData());
     EXPECT_EQ(Contents(original), "caller");
     EXPECT_EQ(other.GetData(), original.GetData());
+
+    TestBuffer referring;
+    referring.SetData(kCallerBytes, kCallerSize, IDX_False);
+    ASSERT_EQ(referring.GetData(), kCallerBytes);
+    path.write(referring);
+    EXPECT_EQ(Contents(referring), path.expected);
+    EXPECT_NE(referring.GetData(), kCallerBytes);
 
     // Without memory the write leaves the handle no bytes.
     if (std::string(path.name) == "GetDataForWriting") continue;  // would write through null
@@ -74,24 +82,22 @@ TEST(Buffer, WritesDetachFromSharedRecords) {
   }
 }
 
-TEST(Buffer, WritesNeverTouchReferredCallerBytes) {
-  for (const WritePath& path : kWritePaths) {
-    SCOPED_TRACE(path.name);
-    TestBuffer buffer;
-    buffer.SetData(kCallerBytes, kCallerSize, IDX_False);
-    ASSERT_EQ(buffer.GetData(), kCallerBytes);
-
-    path.write(buffer);
-    EXPECT_EQ(Contents(buffer), path.expected);
-    EXPECT_NE(buffer.GetData(), kCallerBytes);
-  }
-}
-
+// Rewriting, also from the record's own bytes, keeps the storage and
+// zero-fills its tail.
 TEST(Buffer, WritingAPrivateOwnedBufferKeepsItsStorage) {
-  TestBuffer buffer = Owning("abc");
+  TestBuffer buffer = Owning("abcdef");
   const unsigned char* storage = buffer.GetData();
   buffer.MakeUnique();
   EXPECT_EQ(buffer.GetDataForWriting(), storage);
+  buffer.SetData(Bytes("xyz"), 3, IDX_True);
+  ASSERT_EQ(buffer.GetData(), storage);
+  EXPECT_EQ(idxbase_test::Text(storage, 6), std::string("xyz\0\0\0", 6));
+  buffer.SetData(Bytes("123456"), 6, IDX_True);
+  EXPECT_EQ(buffer.GetData(), storage);
+  EXPECT_EQ(Contents(buffer), "123456");
+  buffer.SetData(buffer.GetData() + 2, 3, IDX_True);
+  EXPECT_EQ(idxbase_test::Text(storage, 6), std::string("345\0\0\0", 6));
+  EXPECT_EQ(buffer.GetSize(), 3u);
 }
 
 TEST(Buffer, SetDataOfTheHeldBytesChangesNothing) {
@@ -103,18 +109,6 @@ TEST(Buffer, SetDataOfTheHeldBytesChangesNothing) {
   buffer.SetData(kCallerBytes, 2, static_cast<IDX_Bool>(2));
   EXPECT_EQ(buffer.GetData(), kCallerBytes);
   EXPECT_EQ(buffer.GetSize(), 2u);
-}
-
-TEST(Buffer, RewritingKeepsCapacityAndZeroFillsTheTail) {
-  IDX_Base_Buffer buffer = Owning("abcdef");
-  const unsigned char* storage = buffer.GetData();
-  buffer.SetData(Bytes("xyz"), 3, IDX_True);
-  ASSERT_EQ(buffer.GetData(), storage);
-  EXPECT_EQ(Contents(buffer), "xyz");
-  EXPECT_EQ(idxbase_test::Text(storage + 3, 3), std::string(3, '\0'));
-  buffer.SetData(Bytes("123456"), 6, IDX_True);
-  EXPECT_EQ(buffer.GetData(), storage);
-  EXPECT_EQ(Contents(buffer), "123456");
 }
 
 TEST(Buffer, ResizeKeepsLeadingBytes) {
@@ -132,25 +126,16 @@ TEST(Buffer, ResizeKeepsLeadingBytes) {
   EXPECT_EQ(Contents(empty), std::string(4, '\0'));
 }
 
-TEST(Buffer, SwitchingToReferredBytesReleasesOwnedStorage) {
-  IDX_Base_Buffer buffer = Owning("abcdef");
-  buffer.SetData(kCallerBytes, 3, IDX_False);  // the leak checker sees a lost "abcdef"
-  EXPECT_EQ(buffer.GetData(), kCallerBytes);
-  EXPECT_EQ(Contents(buffer), "cal");
-}
-
-TEST(Buffer, CopyingFromItsOwnStorageIsSafe) {
-  IDX_Base_Buffer buffer = Owning("abcdef");
-  buffer.SetData(buffer.GetData() + 2, 3, IDX_True);
-  EXPECT_EQ(Contents(buffer), "cde");
-  EXPECT_EQ(buffer.GetData()[3], 0);
-}
-
 // The buffer refers to bytes inside its own storage in place and keeps that
-// storage until it lets go of it; the sanitizer reports any read of the
-// bytes after the storage is released, and the leak checker storage that
-// never is.
+// storage until it lets go of it, and releases it when it refers to other
+// bytes: the sanitizer reports any read of the bytes after the storage is
+// released, and the leak checker storage that never is.
 TEST(Buffer, ReferringIntoItsOwnStorageKeepsTheStorage) {
+  IDX_Base_Buffer switching = Owning("abcdef");
+  switching.SetData(kCallerBytes, 3, IDX_False);
+  EXPECT_EQ(switching.GetData(), kCallerBytes);
+  EXPECT_EQ(Contents(switching), "cal");
+
   IDX_Base_Buffer buffer = Owning("abcdef");
   const unsigned char* inside = buffer.GetData() + 2;
   for (int call = 0; call < 2; ++call) {

@@ -105,24 +105,22 @@ TEST(HashTable, IteratesBucketsInOrderNewestFirst) {
   }
 }
 
-TEST(HashTable, OverwriteKeepsOneNodeInPlace) {
-  RecordTable table(10);
-  table.Put(7, 1);
-  void* address = table.Address(7);
-  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(address) % alignof(void*), 0u);
-  table.Put(7, 2);
-  EXPECT_EQ(table.Address(7), address);
-  EXPECT_EQ(table.Walk(), (Elements{{7, 2}}));
-}
-
-TEST(HashTable, EmptyThenReuse) {
+// An overwrite keeps the one node in place; Empty leaves a table ready for
+// reuse.
+TEST(HashTable, OverwriteEmptyAndReuse) {
   RecordTable table(0);
   EXPECT_TRUE(table.GetIterator().IsFinished());
-  const int kKeys[] = {INT_MIN, -1, 0, 1, INT_MAX};
-  for (int key : kKeys) table.Put(key, key);
-  for (int key : kKeys) EXPECT_EQ(table.Get(key), key);
+  std::vector<int> keys = {INT_MIN, INT_MAX};
+  for (int key = -10; key <= 10; ++key) keys.push_back(key);  // into every bucket
+  for (int key : keys) table.Put(key, key);
+  void* address = table.Address(1);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(address) % alignof(void*), 0u);
+  table.Put(1, 2);
+  EXPECT_EQ(table.Address(1), address);
+  for (int key : keys) EXPECT_EQ(table.Get(key), key == 1 ? 2 : key);
+  EXPECT_EQ(table.Walk().size(), keys.size());
   table.Empty();
-  for (int key : kKeys) EXPECT_EQ(table.Get(key), std::nullopt);
+  for (int key : keys) EXPECT_EQ(table.Get(key), std::nullopt);
   EXPECT_TRUE(table.GetIterator().IsFinished());
   table.Put(3, 33);
   EXPECT_EQ(table.Walk(), (Elements{{3, 33}}));

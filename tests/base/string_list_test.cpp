@@ -55,7 +55,7 @@ TEST(StringList, CompareByContents) {
   }
 }
 
-TEST(StringList, CopiesAndAssignmentShareTheStrings) {
+TEST(StringList, CopiesAndAssignmentShareTheStringsUntilRemoveAll) {
   const KORListValIDX_Base_String source = List({"ab", "cd"});
   const KORListValIDX_Base_String copy(source);
   KORListValIDX_Base_String assigned = List({"old"});
@@ -68,13 +68,10 @@ TEST(StringList, CopiesAndAssignmentShareTheStrings) {
     EXPECT_EQ(list[2].GetData(), source[2].GetData());
     EXPECT_EQ(list == source, 1);
   }
-}
-
-TEST(StringList, RemoveAllEmptiesTheList) {
-  KORListValIDX_Base_String list = List({"ab", "cd"});
-  list.RemoveAll(KORCollec::ReleaseMemory);
-  EXPECT_EQ(list.Size(), 0);
-  EXPECT_EQ(list == List({}), 1);
+  assigned.RemoveAll(KORCollec::ReleaseMemory);
+  EXPECT_EQ(assigned.Size(), 0);
+  EXPECT_EQ(assigned == List({}), 1);
+  EXPECT_EQ(copy.Size(), 2);
 }
 
 TEST(StringList, EmptyStringElementTracesAndCountsAsEqual) {

@@ -55,10 +55,7 @@ TEST(UTF8String, ConvertsIntoAZeroFilledBuffer) {
     ExpectConversion(converted.GetCharPtr(), converted.GetSize(), t.text, t.characters);
     EXPECT_EQ(static_cast<const char*>(converted), converted.GetCharPtr());
   }
-}
-
-// A default object holds the empty conversion; SetString replaces it.
-TEST(UTF8String, DefaultThenSetString) {
+  // A default object holds the empty conversion; SetString replaces it.
   BBDUTF8String holder;
   ExpectConversion(holder.GetCharPtr(), holder.GetSize(), "", 0);
   holder.SetString(KORUnicodeString("a long first text"));

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "geometry_test_support.h"
 #include "idxbase/matrix.h"
@@ -9,12 +10,17 @@
 namespace {
 
 using idxbase_test::ExpectPoint;
+using Doubles = std::vector<double>;
+using Floats = std::vector<float>;
 
 // The 3x3 matrix whose elements are 1..9, row-major.
 IDX_Base_3x3Matrix OneToNine() {
   double values[9] = {1, 2, 3, 4, 5, 6, 7, 8, 9};
   return IDX_Base_3x3Matrix(values);
 }
+
+// The nine elements, row-major.
+Doubles Elements(IDX_Base_3x3Matrix m) { return Doubles(m.GetBuffer(), m.GetBuffer() + 9); }
 
 IDX_Base_BoundingBox Box(float x0, float y0, float z0, float x1, float y1, float z1) {
   IDX_Base_BoundingBox box;
@@ -24,6 +30,11 @@ IDX_Base_BoundingBox Box(float x0, float y0, float z0, float x1, float y1, float
     box.m_Max[axis] = corners[3 + axis];
   }
   return box;
+}
+
+// The minimum, then the maximum.
+Floats Corners(const IDX_Base_BoundingBox& box) {
+  return {box.m_Min[0], box.m_Min[1], box.m_Min[2], box.m_Max[0], box.m_Max[1], box.m_Max[2]};
 }
 
 TEST(Matrix3x3, IdentityIsExact) {
@@ -41,32 +52,24 @@ TEST(Matrix3x3, IdentityIsExact) {
 }
 
 TEST(Matrix3x3, LinesAreRowsAndColumnsAreColumns) {
-  const IDX_Base_3x3Matrix m = OneToNine();
   double line[3], column[3];
-  m.GetLine(1, line[0], line[1], line[2]);
-  m.GetColumn(1, column[0], column[1], column[2]);
-  for (int k = 0; k < 3; ++k) {
-    EXPECT_EQ(line[k], 4 + k);
-    EXPECT_EQ(column[k], 2 + 3 * k);
-  }
+  OneToNine().GetLine(1, line[0], line[1], line[2]);
+  OneToNine().GetColumn(1, column[0], column[1], column[2]);
+  EXPECT_EQ(Doubles(line, line + 3), (Doubles{4, 5, 6}));
+  EXPECT_EQ(Doubles(column, column + 3), (Doubles{2, 5, 8}));
 }
 
-TEST(Matrix3x3, ScaleAndSumAreElementWise) {
+TEST(Matrix3x3, ScaleSumAndCubeInertiaAreElementWise) {
   IDX_Base_3x3Matrix m = OneToNine();
   IDX_Base_3x3Matrix scaled = m * 2.0;
   IDX_Base_3x3Matrix sum = m + scaled;
   sum += IDX_Base_3x3Matrix();
-  for (int k = 0; k < 9; ++k) {
-    EXPECT_EQ(scaled.GetBuffer()[k], 2.0 * (k + 1));
-    EXPECT_EQ(sum.GetBuffer()[k], 3.0 * (k + 1) + (k % 4 == 0 ? 1.0 : 0.0));
-  }
-  EXPECT_EQ(m.GetBuffer()[0], 1.0);  // the operands are unchanged
-}
-
-TEST(Matrix3x3, CubeInertiaIsMassSideSquaredOverSix) {
-  IDX_Base_3x3Matrix m = OneToNine();
+  EXPECT_EQ(Elements(scaled), (Doubles{2, 4, 6, 8, 10, 12, 14, 16, 18}));
+  EXPECT_EQ(Elements(sum), (Doubles{4, 6, 9, 12, 16, 18, 21, 24, 28}));
+  EXPECT_EQ(Elements(m), Elements(OneToNine()));  // the operands are unchanged
+  // Mass · side² / 6 on the diagonal, whatever was there.
   m.CalcInertialMatrixForCube(12.0, 2.0);
-  for (int k = 0; k < 9; ++k) EXPECT_EQ(m.GetBuffer()[k], k % 4 == 0 ? 8.0 : 0.0);
+  EXPECT_EQ(Elements(m), (Doubles{8, 0, 0, 0, 8, 0, 0, 0, 8}));
 }
 
 TEST(Matrix3x3, MultiplyTakesRowVectorsAndSumsInDouble) {
@@ -86,18 +89,14 @@ TEST(Matrix3x3, MultiplyTakesRowVectorsAndSumsInDouble) {
 
 TEST(Matrix3x3, RightMultiplyMayWriteIntoAnOperand) {
   const IDX_Base_3x3Matrix a = OneToNine();
-  IDX_Base_3x3Matrix expected;
-  a.RightMultiply(a, expected);
-  const double kSquare[9] = {30, 36, 42, 66, 81, 96, 102, 126, 150};
-  for (int k = 0; k < 9; ++k) EXPECT_EQ(expected.GetBuffer()[k], kSquare[k]);
-
-  IDX_Base_3x3Matrix left = a, right = a;
+  IDX_Base_3x3Matrix square, left = a, right = a;
+  a.RightMultiply(a, square);
   left.RightMultiply(a, left);
   a.RightMultiply(right, right);
-  for (int k = 0; k < 9; ++k) {
-    EXPECT_EQ(left.GetBuffer()[k], kSquare[k]);
-    EXPECT_EQ(right.GetBuffer()[k], kSquare[k]);
-  }
+  const Doubles kSquare = {30, 36, 42, 66, 81, 96, 102, 126, 150};
+  EXPECT_EQ(Elements(square), kSquare);
+  EXPECT_EQ(Elements(left), kSquare);
+  EXPECT_EQ(Elements(right), kSquare);
 }
 
 TEST(Matrix4x4, MultiplyAddsTheTranslationAndIgnoresColumnThree) {
@@ -120,41 +119,32 @@ TEST(Matrix4x4, RightMultiplyIsTheFullProduct) {
     a[k] = static_cast<float>(k + 1);
     b[k] = static_cast<float>(16 - k);
   }
-  const IDX_Base_4x4Matrix ma(a), mb(b);
-  IDX_Base_4x4Matrix r;
-  ma.RightMultiply(mb, r);
+  Floats expected(16, 0.0f);
   for (int i = 0; i < 4; ++i) {
     for (int j = 0; j < 4; ++j) {
-      float sum = 0;
-      for (int k = 0; k < 4; ++k) sum += a[4 * i + k] * b[4 * k + j];
-      EXPECT_EQ(r.m_Matrix[4 * i + j], sum) << i << "," << j;
+      for (int k = 0; k < 4; ++k) expected[4 * i + j] += a[4 * i + k] * b[4 * k + j];
     }
   }
-  IDX_Base_4x4Matrix inPlace = ma;
+  const IDX_Base_4x4Matrix ma(a), mb(b);
+  IDX_Base_4x4Matrix r, inPlace = ma;
+  ma.RightMultiply(mb, r);
   inPlace.RightMultiply(mb, inPlace);
-  for (int k = 0; k < 16; ++k) EXPECT_EQ(inPlace.m_Matrix[k], r.m_Matrix[k]);
+  EXPECT_EQ(Floats(r.m_Matrix, r.m_Matrix + 16), expected);
+  EXPECT_EQ(Floats(inPlace.m_Matrix, inPlace.m_Matrix + 16), expected);
 }
 
-TEST(BoundingBox, DefaultIsTheOriginSoUnionsIncludeIt) {
+// A default box is the origin, so unions with it include the origin.
+TEST(BoundingBox, UnionsTakePerAxisExtremes) {
   IDX_Base_BoundingBox box;
   EXPECT_EQ(box.Volume(), 0.0f);
   box.Union(Box(1, 1, 1, 2, 2, 2));
-  for (int axis = 0; axis < 3; ++axis) {
-    EXPECT_EQ(box.m_Min[axis], 0.0f);
-    EXPECT_EQ(box.m_Max[axis], 2.0f);
-  }
-}
+  EXPECT_EQ(Corners(box), (Floats{0, 0, 0, 2, 2, 2}));
 
-TEST(BoundingBox, StaticUnionTakesPerAxisExtremes) {
   IDX_Base_BoundingBox a = Box(0, 5, -1, 1, 6, 0), result;
   IDX_Base_BoundingBox::Union(a, Box(-2, 7, -3, 0, 8, 4), result);
-  const float kMin[3] = {-2, 5, -3}, kMax[3] = {1, 8, 4};
-  for (int axis = 0; axis < 3; ++axis) {
-    EXPECT_EQ(result.m_Min[axis], kMin[axis]);
-    EXPECT_EQ(result.m_Max[axis], kMax[axis]);
-  }
+  EXPECT_EQ(Corners(result), (Floats{-2, 5, -3, 1, 8, 4}));
   IDX_Base_BoundingBox::Union(a, result, a);  // into an operand
-  EXPECT_EQ(a.Volume(), result.Volume());
+  EXPECT_EQ(Corners(a), Corners(result));
   EXPECT_EQ(Box(0, 0, 0, 1, 2, 3).Volume(), 6.0f);
   EXPECT_EQ(Box(1, 0, 0, 0, 2, 3).Volume(), -6.0f);  // inverted boxes are not checked
 }

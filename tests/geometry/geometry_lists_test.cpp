@@ -63,12 +63,18 @@ TEST(PointList, EachGrowthTriesElevenTimes) {
   EXPECT_EQ(allocations.sizes().size(), 11u);
 }
 
+// Creation is not retried, and a failed list refuses appends without trying.
 TEST(TriangleList, FailedCreationRefusesAppends) {
   idxbase_test::AllocationFaults allocations(1);
   IDX_Base_ListOf_Triangle list(10);
   EXPECT_EQ(list.Append({}), IDX_False);
   EXPECT_EQ(list.GetArray(), nullptr);
-  EXPECT_EQ(allocations.sizes().size(), 1u);  // creation is not retried, Append does not try
+  EXPECT_EQ(allocations.sizes().size(), 1u);
+  allocations.Reset(0);
+  IDX_Base_ListOf_Point uncountable(std::numeric_limits<unsigned int>::max());
+  EXPECT_EQ(uncountable.Append({1, 2, 3}), IDX_False);
+  EXPECT_EQ(uncountable.Size(), 0u);
+  EXPECT_EQ(uncountable.GetArray(), nullptr);
 }
 
 TEST(PointList, RemoveAllKeepsTheStorage) {
@@ -82,13 +88,6 @@ TEST(PointList, RemoveAllKeepsTheStorage) {
   EXPECT_EQ(list.GetArray(), storage);
   EXPECT_EQ(list.Size(), 1u);
   EXPECT_EQ(list.GetArray()[0].z, 9);
-}
-
-TEST(PointList, UncountableInitialSizeGivesAFailedList) {
-  IDX_Base_ListOf_Point list(std::numeric_limits<unsigned int>::max());
-  EXPECT_EQ(list.Append({1, 2, 3}), IDX_False);
-  EXPECT_EQ(list.Size(), 0u);
-  EXPECT_EQ(list.GetArray(), nullptr);
 }
 
 TEST(TriangleList, StoresWholeRecords) {

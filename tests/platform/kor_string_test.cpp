@@ -62,20 +62,16 @@ std::string Convert(const KORUnicodeString& text, unsigned long long capacity) {
 }
 
 TEST(KORUnicodeString, ConvertToUTF8WritesWholeCharactersOnly) {
-  const KORUnicodeString text(
-      "a\xE2\x82\xAC"
-      "b");  // a, euro sign, b: 5 bytes
-  EXPECT_EQ(std::string("a\xE2\x82\xAC"
-                        "b\0",
-                        6),
-            Convert(text, 6));
-  EXPECT_EQ(
-      "a\xE2\x82\xAC"
-      "b#",
-      Convert(text, 5));  // no room for the zero
-  EXPECT_EQ("a\xE2\x82\xAC#", Convert(text, 4));
-  EXPECT_EQ(std::string("a\0", 2), Convert(text, 3));  // the euro sign does not fit
-  EXPECT_EQ("#", Convert(text, 0));
+  const std::string bytes = "a\xE2\x82\xAC" + std::string("b");  // a, euro sign, b
+  const KORUnicodeString text(bytes.c_str());
+  const std::pair<unsigned long long, std::string> kCases[] = {
+      {6, bytes + std::string(1, '\0')},
+      {5, bytes + "#"},  // no room for the zero
+      {4, bytes.substr(0, 4) + "#"},
+      {3, std::string("a\0", 2)},  // the euro sign does not fit
+      {0, "#"},
+  };
+  for (const auto& [capacity, written] : kCases) EXPECT_EQ(written, Convert(text, capacity));
   unsigned long long size = 8;
   text.ConvertToUTF8(nullptr, &size);
   EXPECT_EQ(8u, size);

@@ -80,13 +80,6 @@ TEST(KORThreads, KillStopsAWaitingBodyPromptly) {
   EXPECT_EQ(9, looper.Join());
 }
 
-TEST(KORThreads, EndAsksWithoutReplacingTheResult) {
-  Looper looper;
-  ASSERT_EQ(0, looper.Run(nullptr));
-  looper.End();
-  EXPECT_EQ(5, looper.Join());
-}
-
 TEST(KORThreads, KillFromTheBodyOnlyAsks) {
   SelfKiller thread;
   ASSERT_EQ(0, thread.Run(nullptr));
@@ -106,7 +99,7 @@ TEST(KORThreads, RunsAgainAfterFinishing) {
   std::this_thread::sleep_for(std::chrono::milliseconds(50));
   EXPECT_TRUE(looper.IsRunning());
   EXPECT_EQ(0, looper.GetThreadReturnCode());
-  looper.End();
+  looper.End();  // asks without replacing the body's result
   EXPECT_EQ(5, looper.Join());
 }
 

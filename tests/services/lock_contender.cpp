@@ -6,8 +6,8 @@
 //   lock_contender contend <directory> <owner> <count> <marker> <seconds>
 //     Takes and releases the lock <count> times, giving up after <seconds>,
 //     as owner <owner> * 10000 + the number of the attempt.
-//     While it holds the lock it creates <marker> exclusively, keeps it for
-//     a while and removes it before unlocking: finding the marker already
+//     While it holds the lock it places <marker> as below, keeps it for a
+//     while and removes it before unlocking: finding the marker already
 //     there means that another process holds the lock too. Prints
 //     "acquired <n> violations <v>"; exits with 1 when v > 0.
 //   lock_contender stress <directory> <owner> <marker>
@@ -44,43 +44,6 @@ int Hold(const char* directory, int owner, const char* readyFile) {
   for (;;) KORSleep(1000);
 }
 
-// Holds the lock once, with the marker; false when the marker was there.
-bool HoldOnce(const char* marker, unsigned int milliseconds) {
-  const int fd = open(marker, O_WRONLY | O_CREAT | O_EXCL, 0600);
-  if (fd < 0) return false;
-  close(fd);
-  KORSleep(milliseconds);
-  unlink(marker);
-  return true;
-}
-
-int Contend(const char* directory, int owner, int count, const char* marker, int seconds) {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point deadline = Clock::now() + std::chrono::seconds(seconds);
-  std::minstd_rand random(static_cast<unsigned int>(owner) * 7919u +
-                          static_cast<unsigned>(getpid()));
-  // Some holds outlast the 1.5-second heartbeat period, so that waiting
-  // processes also meet a sequence that moves on.
-  std::uniform_int_distribution<unsigned int> holdTime(100, 3000);
-  std::uniform_int_distribution<unsigned int> pause(0, 800);
-  int acquired = 0;
-  int violations = 0;
-  // Each attempt takes a fresh owner identifier: a file name that comes
-  // back within another process's 2-second wait would pass for the dead
-  // sequence it waits on.
-  for (int attempt = 0; acquired < count && Clock::now() < deadline; ++attempt) {
-    BBDLock lock;
-    if (lock.Lock(directory, owner * 10000 + attempt) == KOR_S_OK) {
-      if (!HoldOnce(marker, holdTime(random))) ++violations;
-      lock.Unlock();
-      ++acquired;
-    }
-    KORSleep(pause(random));
-  }
-  std::printf("\nacquired %d violations %d\n", acquired, violations);
-  return violations == 0 ? 0 : 1;
-}
-
 long long MonotonicNanoseconds() {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
@@ -107,6 +70,38 @@ bool PlaceMarker(const std::string& marker) {
   const bool placed = link(mine.c_str(), marker.c_str()) == 0;
   unlink(mine.c_str());
   return placed;
+}
+
+int Contend(const char* directory, int owner, int count, const std::string& marker, int seconds) {
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point deadline = Clock::now() + std::chrono::seconds(seconds);
+  std::minstd_rand random(static_cast<unsigned int>(owner) * 7919u +
+                          static_cast<unsigned>(getpid()));
+  // Some holds outlast the 1.5-second heartbeat period, so that waiting
+  // processes also meet a sequence that moves on.
+  std::uniform_int_distribution<unsigned int> holdTime(100, 3000);
+  std::uniform_int_distribution<unsigned int> pause(0, 800);
+  int acquired = 0;
+  int violations = 0;
+  // Each attempt takes a fresh owner identifier: a file name that comes
+  // back within another process's 2-second wait would pass for the dead
+  // sequence it waits on.
+  for (int attempt = 0; acquired < count && Clock::now() < deadline; ++attempt) {
+    BBDLock lock;
+    if (lock.Lock(directory, owner * 10000 + attempt) == KOR_S_OK) {
+      if (PlaceMarker(marker)) {
+        KORSleep(holdTime(random));
+        unlink(marker.c_str());
+      } else {
+        ++violations;
+      }
+      lock.Unlock();
+      ++acquired;
+    }
+    KORSleep(pause(random));
+  }
+  std::printf("\nacquired %d violations %d\n", acquired, violations);
+  return violations == 0 ? 0 : 1;
 }
 
 int Stress(const char* directory, int owner, const std::string& marker) {

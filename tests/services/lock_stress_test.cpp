@@ -12,9 +12,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -23,6 +20,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <string>
@@ -31,10 +29,9 @@
 #include "support/child_process.h"
 #include "support/temp_dir.h"
 
-extern char** environ;
-
 namespace {
 
+using idxbase_test::RunningChild;
 using idxbase_test::TempDir;
 
 constexpr int kContenders = 8;
@@ -68,68 +65,33 @@ Event Parse(const std::string& line) {
   return event;
 }
 
-// The contenders and the pipe they report on (their descriptor 3).
+// The contenders, all started at once, and the pipe they report on (their
+// descriptor 3).
 class Arena {
  public:
   Arena() {
     if (pipe2(pipe_, O_CLOEXEC) != 0) ADD_FAILURE() << "pipe: " << errno;
-    marker_ = dir_.Join("marker");
+    while (lastNumber_ < kContenders) Start(++lastNumber_);
   }
   ~Arena() {
-    for (const auto& contender : contenders_) Stop(contender.first);
+    contenders_.clear();
     close(pipe_[0]);
     close(pipe_[1]);
   }
   Arena(const Arena&) = delete;
   Arena& operator=(const Arena&) = delete;
 
-  const std::string& marker() const { return marker_; }
-  std::string LockDir() const { return dir_.Join("lock"); }
-
-  // Starts contender number `number` (its lock owners are number * 10000
-  // + attempt).
-  void Start(int number) {
-    std::vector<std::string> arguments = {
-        idxbase_test::BuiltProgram("tests/services/lock_contender"), "stress", dir_.path(),
-        std::to_string(number), marker_};
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    const std::string log = dir_.Join("contender" + std::to_string(number) + ".log");
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, log.c_str(),
-                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_adddup2(&actions, pipe_[1], 3);
-    pid_t pid = -1;
-    if (posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ) == 0) {
-      contenders_[pid] = number;
-    } else {
-      ADD_FAILURE() << "cannot start " << argv[0];
-    }
-    posix_spawn_file_actions_destroy(&actions);
-  }
-
-  // Kills and reaps `pid`; false when it had already ended.
-  bool Stop(pid_t pid) {
-    const bool running = kill(pid, SIGKILL) == 0;
-    int status = 0;
-    while (waitpid(pid, &status, 0) < 0 && errno == EINTR) {
-    }
-    return running && WIFSIGNALED(status);
-  }
-
   // Kills the holder `pid`, removes its marker, and starts a replacement
   // contender. Returns the number of lock files that the dead holder
   // `owner` left.
   int KillHolder(pid_t pid, int owner) {
-    EXPECT_TRUE(Stop(pid)) << "the holder " << pid << " had ended by itself";
+    const std::unique_ptr<RunningChild>& holder = contenders_[pid];
+    EXPECT_TRUE(holder && holder->Kill()) << "the holder " << pid << " had ended by itself";
     contenders_.erase(pid);
     int files = 0;
     const std::string prefix = "lock." + std::to_string(owner) + ".";
     std::error_code ignored;
-    for (const auto& entry : std::filesystem::directory_iterator(LockDir(), ignored)) {
+    for (const auto& entry : std::filesystem::directory_iterator(dir_.Join("lock"), ignored)) {
       if (entry.path().filename().string().rfind(prefix, 0) == 0) ++files;
     }
     // Nobody can hold the lock yet: the dead holder's files stand for
@@ -137,11 +99,6 @@ class Arena {
     if (idxbase_test::ReadFile(marker_) == std::to_string(pid)) std::remove(marker_.c_str());
     Start(++lastNumber_);
     return files;
-  }
-
-  void StartAll() {
-    for (lastNumber_ = 1; lastNumber_ <= kContenders; ++lastNumber_) Start(lastNumber_);
-    --lastNumber_;
   }
 
   // The next event, waiting until `deadline` at most; false on timeout.
@@ -156,9 +113,7 @@ class Arena {
       const long long left = deadline - Now();
       if (left <= 0) return false;
       pollfd reader{pipe_[0], POLLIN, 0};
-      const int ready = poll(&reader, 1, static_cast<int>(left / kMillisecond) + 1);
-      if (ready < 0 && errno == EINTR) continue;
-      if (ready <= 0) continue;
+      if (poll(&reader, 1, static_cast<int>(left / kMillisecond) + 1) <= 0) continue;
       char chunk[4096];
       const ssize_t got = read(pipe_[0], chunk, sizeof chunk);
       if (got > 0) buffer_.append(chunk, static_cast<std::size_t>(got));
@@ -166,17 +121,26 @@ class Arena {
   }
 
  private:
+  // Starts contender number `number` (its lock owners are number * 10000
+  // + attempt).
+  void Start(int number) {
+    auto contender = std::make_unique<RunningChild>(
+        std::vector<std::string>{idxbase_test::BuiltProgram("tests/services/lock_contender"),
+                                 "stress", dir_.path(), std::to_string(number), marker_},
+        dir_.Join("contender" + std::to_string(number) + ".log"), pipe_[1]);
+    contenders_[contender->pid()] = std::move(contender);
+  }
+
   TempDir dir_;
-  std::string marker_;
+  const std::string marker_ = dir_.Join("marker");
   int pipe_[2] = {-1, -1};
-  std::map<pid_t, int> contenders_;  // running contenders by process id
+  std::map<pid_t, std::unique_ptr<RunningChild>> contenders_;  // by process id
   int lastNumber_ = 0;
   std::string buffer_;
 };
 
 TEST(LockStress, EightProcessesWithKilledHoldersKeepExclusionAndRecover) {
   Arena arena;
-  arena.StartAll();
   std::mt19937 random(20240611);
 
   int kills = 0;

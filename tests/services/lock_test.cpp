@@ -1,14 +1,8 @@
 #include "idxbase/lock.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
@@ -23,11 +17,10 @@
 #include "support/stdout_capture.h"
 #include "support/temp_dir.h"
 
-extern char** environ;
-
 namespace {
 
 using idxbase_test::FileExists;
+using idxbase_test::RunningChild;
 using idxbase_test::StdoutCapture;
 using idxbase_test::TempDir;
 using Clock = std::chrono::steady_clock;
@@ -52,48 +45,11 @@ bool WaitUntil(const std::function<bool()>& condition, Clock::duration timeout) 
   return true;
 }
 
-// A lock_contender process, killed when it is still running at the end.
-class Contender {
- public:
-  Contender(std::vector<std::string> arguments, const std::string& log) {
-    arguments.insert(arguments.begin(),
-                     idxbase_test::BuiltProgram("tests/services/lock_contender"));
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, log.c_str(),
-                                     O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    if (posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ) != 0) {
-      ADD_FAILURE() << "cannot start " << argv[0];
-      pid_ = -1;
-    }
-    posix_spawn_file_actions_destroy(&actions);
-  }
-  ~Contender() { Kill(); }
-  Contender(const Contender&) = delete;
-  Contender& operator=(const Contender&) = delete;
-
-  pid_t pid() const { return pid_; }
-  void Kill() {
-    if (pid_ <= 0) return;
-    kill(pid_, SIGKILL);
-    Wait();
-  }
-  // The exit code, or 128 + the signal that ended the process.
-  int Wait() {
-    int status = 0;
-    while (waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
-    }
-    pid_ = -1;
-    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  }
-
- private:
-  pid_t pid_ = -1;
-};
+// A lock_contender process with `arguments`, writing to `log`.
+std::unique_ptr<RunningChild> Contender(Names arguments, const std::string& log) {
+  arguments.insert(arguments.begin(), idxbase_test::BuiltProgram("tests/services/lock_contender"));
+  return std::make_unique<RunningChild>(arguments, log);
+}
 
 class BBDLockTest : public ::testing::Test {
  protected:
@@ -115,10 +71,10 @@ class BBDLockTest : public ::testing::Test {
   }
   // Starts a process that holds the lock for `owner` and waits until it
   // does.
-  std::unique_ptr<Contender> StartHolder(int owner) const {
+  std::unique_ptr<RunningChild> StartHolder(int owner) const {
     const std::string ready = dir_.Join("ready");
-    auto holder = std::make_unique<Contender>(
-        Names{"hold", dir_.path(), std::to_string(owner), ready}, dir_.Join("holder.log"));
+    auto holder =
+        Contender({"hold", dir_.path(), std::to_string(owner), ready}, dir_.Join("holder.log"));
     EXPECT_TRUE(WaitUntil([&] { return FileExists(ready); }, 20s)) << "the holder did not lock";
     return holder;
   }
@@ -141,15 +97,6 @@ TEST_F(BBDLockTest, LockTakesFileZeroAndTheHeartbeatReplacesIt) {
   EXPECT_FALSE(lock.IsRunning());
 }
 
-TEST_F(BBDLockTest, DestructionStopsTheHeartbeatAndDeletesItsFile) {
-  {
-    BBDLock lock;
-    ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
-    ASSERT_TRUE(WaitUntil([&] { return Listing() == Names{"lock.7.1"}; }, 5s));
-  }
-  EXPECT_EQ(Names{}, Listing());
-}
-
 TEST_F(BBDLockTest, UnlockDeletesTheCurrentFileAndItsNeighboursOnly) {
   BBDLock lock;
   ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
@@ -159,17 +106,20 @@ TEST_F(BBDLockTest, UnlockDeletesTheCurrentFileAndItsNeighboursOnly) {
 }
 
 // Its own living files count as another owner's, so the lock stays as it
-// was and its sequence goes on.
+// was and its sequence goes on until the object is destroyed.
 TEST_F(BBDLockTest, LockingAgainAnswersThatTheLockIsHeld) {
-  BBDLock lock;
-  ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
-  ASSERT_TRUE(WaitUntil([&] { return Listing() == Names{"lock.7.1"}; }, 5s));
-  StdoutCapture capture;
-  EXPECT_EQ(KOR_S_FALSE, lock.Lock(Dir(), 7));
-  EXPECT_EQ(kQuestion + "no\n", capture.Finish());
-  EXPECT_TRUE(lock.IsRunning());
-  const Names files = Listing();
-  EXPECT_TRUE(files == Names{"lock.7.2"} || files == Names{"lock.7.3"}) << files.size();
+  {
+    BBDLock lock;
+    ASSERT_EQ(KOR_S_OK, lock.Lock(Dir(), 7));
+    ASSERT_TRUE(WaitUntil([&] { return Listing() == Names{"lock.7.1"}; }, 5s));
+    StdoutCapture capture;
+    EXPECT_EQ(KOR_S_FALSE, lock.Lock(Dir(), 7));
+    EXPECT_EQ(kQuestion + "no\n", capture.Finish());
+    EXPECT_TRUE(lock.IsRunning());
+    const Names files = Listing();
+    EXPECT_TRUE(files == Names{"lock.7.2"} || files == Names{"lock.7.3"}) << files.size();
+  }
+  EXPECT_EQ(Names{}, Listing()) << "destruction left the heartbeat's file";
 }
 
 // The current directory while the object exists.
@@ -280,29 +230,23 @@ INSTANTIATE_TEST_SUITE_P(
         ScanCase{"DeadOwnerWithTwoFiles", true, {"lock.9.4", "lock.9.5"}, 7, false, 2, {}}),
     [](const ::testing::TestParamInfo<ScanCase>& param) { return param.param.name; });
 
-TEST_F(BBDLockTest, LivingHolderKeepsTheLock) {
-  const std::unique_ptr<Contender> holder = StartHolder(1);
-  StdoutCapture capture;
+TEST_F(BBDLockTest, LivingHolderKeepsTheLockUntilItIsKilled) {
+  const std::unique_ptr<RunningChild> holder = StartHolder(1);
+  StdoutCapture living;
   BBDLock lock;
   EXPECT_EQ(KOR_S_FALSE, lock.Lock(Dir(), 2));
-  EXPECT_EQ(kQuestion + "no\n", capture.Finish());
+  EXPECT_EQ(kQuestion + "no\n", living.Finish());
   const Names files = Listing();
   EXPECT_FALSE(files.empty());
   for (const std::string& name : files) EXPECT_EQ(0u, name.rfind("lock.1.", 0)) << name;
-}
 
-TEST_F(BBDLockTest, KilledHolderIsFoundDeadAndReplaced) {
-  const std::unique_ptr<Contender> holder = StartHolder(1);
   const auto pid = static_cast<unsigned int>(holder->pid());
   EXPECT_EQ(1, RealIsProcessAlive(pid));
   holder->Kill();
   EXPECT_EQ(0, RealIsProcessAlive(pid));
-  ASSERT_FALSE(Listing().empty()) << "the killed holder left no file";
-
-  StdoutCapture capture;
-  BBDLock lock;
+  StdoutCapture dead;
   EXPECT_EQ(KOR_S_OK, lock.Lock(Dir(), 2));
-  const std::string output = capture.Finish();
+  const std::string output = dead.Finish();
   EXPECT_TRUE(output == Repeat(kQuestion + "yes\n", 1) || output == Repeat(kQuestion + "yes\n", 2))
       << output;
   EXPECT_EQ(Names{"lock.2.0"}, Listing());
@@ -315,11 +259,11 @@ class LockContentionTest : public BBDLockTest, public ::testing::WithParamInterf
 TEST_P(LockContentionTest, AtMostOneProcessHoldsTheLock) {
   constexpr int kContenders = 4;
   const std::string marker = dir_.Join("marker");
-  std::vector<std::unique_ptr<Contender>> contenders;
+  std::vector<std::unique_ptr<RunningChild>> contenders;
   for (int owner = 1; owner <= kContenders; ++owner) {
-    contenders.push_back(std::make_unique<Contender>(
-        Names{"contend", dir_.path(), std::to_string(owner), "2", marker, "40"},
-        dir_.Join("log" + std::to_string(owner))));
+    contenders.push_back(
+        Contender({"contend", dir_.path(), std::to_string(owner), "2", marker, "40"},
+                  dir_.Join("log" + std::to_string(owner))));
   }
   int total = 0;
   for (int owner = 1; owner <= kContenders; ++owner) {

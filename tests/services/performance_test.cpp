@@ -7,6 +7,7 @@
 #include <string>
 #include <thread>
 
+#include "idxbase_build_info.h"
 #include "services/about_info.h"
 #include "services/calendar_seconds.h"
 #include "support/temp_dir.h"
@@ -110,14 +111,16 @@ TEST(AboutInfo, ListsTheDayTheLevelTextAndTheFourNumbers) {
   EXPECT_STREQ("", info[2].ConvertToChar());
 }
 
+// The version and the stamp are the build facts that CMake wrote.
 TEST(AboutInfo, DescribesThisBuild) {
   KORListValKORUnicodeString info;
   GetAboutInfo(info);
   ASSERT_EQ(6, info.Size());
-  EXPECT_STREQ("0", info[3].ConvertToChar());
-  EXPECT_STREQ("1", info[4].ConvertToChar());
-  EXPECT_STREQ("0", info[5].ConvertToChar());
-  EXPECT_STREQ("0", info[6].ConvertToChar());
+  const std::string kNumbers[] = {std::to_string(IDXBASE_VERSION_MAJOR),
+                                  std::to_string(IDXBASE_VERSION_MINOR),
+                                  std::to_string(IDXBASE_VERSION_PATCH), "0"};
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(kNumbers[i], info[i + 3].ConvertToChar());
+  EXPECT_STREQ(IDXBASE_BUILD_STAMP, info[2].ConvertToChar());
   int year = 0, month = 0, day = 0, hour = 0, minute = 0;
   ASSERT_EQ(5, std::sscanf(info[2].ConvertToChar(), "%d-%d-%d.%d.%d", &year, &month, &day, &hour,
                            &minute));

@@ -4,9 +4,21 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <regex>
 
 namespace idxbase_test {
+namespace {
+
+// True when `line` starts with a time stamp such as "[2026 Nov 16 18:20:05]".
+bool StartsWithStamp(const std::string& line) {
+  static const std::regex kStamp(
+      R"(\[\d{4} (Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) \d\d \d\d:\d\d:\d\d\])");
+  return std::regex_match(line.substr(0, 22), kStamp);
+}
+
+}  // namespace
 
 StdoutCapture::StdoutCapture() {
   std::fflush(stdout);
@@ -30,6 +42,23 @@ std::string StdoutCapture::Finish() {
     savedStdout_ = -1;
   }
   return ReadFile(dir_.Join("stdout"));
+}
+
+std::string Unstamped(const std::string& text, bool firstLineOnly) {
+  std::string result;
+  for (std::size_t start = 0, end = 0; start < text.size(); start = end) {
+    end = std::min(text.find('\n', start), text.size() - 1) + 1;
+    std::string line = text.substr(start, end - start);
+    if (start == 0 || !firstLineOnly) {
+      if (StartsWithStamp(line)) {
+        line.erase(0, 22);
+      } else {
+        ADD_FAILURE() << "no time stamp: " << line;
+      }
+    }
+    result += line;
+  }
+  return result;
 }
 
 }  // namespace idxbase_test

@@ -25,6 +25,25 @@ class StdoutCapture {
   int savedStdout_ = -1;
 };
 
+// What `action` writes on standard output.
+template <typename Action>
+std::string OutputOf(Action action) {
+  StdoutCapture capture;
+  action();
+  return capture.Finish();
+}
+
+// `text` with the time stamp of the traces ("[2026 Nov 16 18:20:05]")
+// removed from the start of each line, or of the first one only for one
+// trace of several lines; a missing stamp is a failure.
+std::string Unstamped(const std::string& text, bool firstLineOnly = false);
+
+// What `action` writes on standard output: one trace, its stamp removed.
+template <typename Action>
+std::string TraceOf(Action action) {
+  return Unstamped(OutputOf(action), true);
+}
+
 }  // namespace idxbase_test
 
 #endif  // IDXBASE_TESTS_SUPPORT_STDOUT_CAPTURE_H_

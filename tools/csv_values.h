@@ -1,11 +1,12 @@
 // Reading one CSV field as a value of its column's type.
 //
-// Each reader takes the shapes that typed CSV files are made of in a few
-// instructions and hands every other text to the general routine of its
-// type (std::from_chars, BBDFilterParser::ParseTime), so that it accepts
-// and refuses exactly the texts that routine does, with the same value.
-// The short paths only ever accept: a text they do not take whole goes on
-// to the general routine, which decides.
+// The readers of ints, floats and times take the shapes that typed CSV
+// files are made of in a few instructions and hand every other text to the
+// general routine of their type (std::from_chars, BBDFilterParser::
+// ParseTime), so that they accept and refuse exactly the texts that routine
+// does, with the same value. The short paths only ever accept: a text they
+// do not take whole goes on to the general routine, which decides. Bools
+// are the four words, compared whole.
 #ifndef IDXBASE_TOOLS_CSV_VALUES_H_
 #define IDXBASE_TOOLS_CSV_VALUES_H_
 

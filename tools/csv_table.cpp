@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
-#include <cmath>
 #include <cstring>
+#include <type_traits>
 #include <utility>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 #include "idxbase/filter_parser.h"
 
@@ -129,12 +132,12 @@ void AppendMissing(CsvColumn& column, std::int64_t row) {
 
 // Appends row `row`'s field to `column`; false when it is not a value of
 // the column's type (nothing appended).
-bool Append(std::string_view text, bool quoted, CsvColumn& column, std::int64_t row) {
+bool Append(std::string_view text, bool quoted, CsvColumn& column, std::int64_t row,
+            TimeReader& times) {
   if (text.empty() && !(quoted && column.type == IDX_Filter_Type_String)) {
     AppendMissing(column, row);
     return true;
   }
-  const char* end = text.data() + text.size();
   switch (column.type) {
     case IDX_Filter_Type_String:
       column.bytes.append(text);
@@ -142,33 +145,156 @@ bool Append(std::string_view text, bool quoted, CsvColumn& column, std::int64_t 
       break;
     case IDX_Filter_Type_Int: {
       std::int32_t value = 0;
-      const auto result = std::from_chars(text.data(), end, value);
-      if (result.ec != std::errc() || result.ptr != end) return false;
+      if (!ReadInt(text, text.size(), value)) return false;
       column.ints.push_back(value);
       break;
     }
     case IDX_Filter_Type_Float: {
       float value = 0;
-      const auto result = std::from_chars(text.data(), end, value);
-      if (result.ec != std::errc() || result.ptr != end || !std::isfinite(value)) return false;
+      if (!ReadFloat(text, text.size(), value)) return false;
       column.floats.push_back(value);
       break;
     }
     case IDX_Filter_Type_Boolean: {
-      const bool isTrue = text == "true" || text == "1";
-      if (!isTrue && text != "false" && text != "0") return false;
-      SetBit(column.bits, row, isTrue);
+      bool value = false;
+      if (!ReadBool(text, text.size(), value)) return false;
+      SetBit(column.bits, row, value);
       break;
     }
     default: {
-      KORTime time = KORTime::FromEpochSeconds(0);
-      if (!BBDFilterParser::ParseTime(text, time)) return false;
-      column.times.push_back(time.GetEpochSeconds());
+      std::int64_t seconds = 0;
+      if (!times.Read(text, seconds)) return false;
+      column.times.push_back(seconds);
       break;
     }
   }
   SetBit(column.validity, row, true);
   return true;
+}
+
+// Bit i set where byte i of the 64 at `p` makes SplitPlain stop and look:
+// the ends of unquoted fields, and the quote and carriage return that may
+// need the full parser.
+std::uint64_t PlainStopsIn(const char* p) {
+  std::uint64_t mask = 0;
+#if defined(__SSE2__)
+  for (int part = 0; part < 4; ++part) {
+    __m128i bytes;
+    std::memcpy(&bytes, p + 16 * part, sizeof bytes);
+    const __m128i stops = _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8(',')),
+                                                    _mm_cmpeq_epi8(bytes, _mm_set1_epi8('\n'))),
+                                       _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('\r')),
+                                                    _mm_cmpeq_epi8(bytes, _mm_set1_epi8('"'))));
+    mask |= static_cast<std::uint64_t>(static_cast<std::uint16_t>(_mm_movemask_epi8(stops)))
+            << (16 * part);
+  }
+#else
+  for (unsigned i = 0; i < 64; ++i) {
+    const bool stop = p[i] == ',' || p[i] == '\n' || p[i] == '\r' || p[i] == '"';
+    mask |= std::uint64_t{stop} << i;
+  }
+#endif
+  return mask;
+}
+
+int LowestBit(std::uint64_t mask) { return __builtin_ctzll(mask); }
+
+// One column of the unquoted fields of consecutive records that
+// SplitPlain split: field k of them spans [starts[k], starts[k + 1] -
+// `after`), where `after` counts the comma behind a field or, in the last
+// column, the line end.
+struct PlainColumn {
+  const char* base;
+  const std::uint32_t* starts;
+  std::size_t width;
+  std::size_t index;
+  std::uint32_t after;
+
+  std::string_view Text(std::int64_t row) const {
+    const std::size_t k = static_cast<std::size_t>(row) * width + index;
+    return {base + starts[k], starts[k + 1] - after - starts[k]};
+  }
+};
+
+// Sets bits of a bitmap a byte at a time, rows in ascending order: a store
+// of a single byte may alias anything, so storing one for every row would
+// make the compiler reload every pointer of the loop each time.
+class BitmapWriter {
+ public:
+  // Requires: the bitmap holds the rows to be set.
+  explicit BitmapWriter(std::vector<std::uint8_t>& bitmap) : bytes_(bitmap.data()) {}
+  BitmapWriter(const BitmapWriter&) = delete;
+  BitmapWriter& operator=(const BitmapWriter&) = delete;
+  ~BitmapWriter() { Flush(); }
+
+  void Set(std::int64_t row, bool bit) {
+    const std::int64_t byte = row >> 3;
+    if (byte != byte_) {
+      Flush();
+      byte_ = byte;
+    }
+    pending_ |= unsigned{bit} << (row & 7);
+  }
+
+ private:
+  void Flush() {
+    if (pending_ != 0) bytes_[byte_] = static_cast<std::uint8_t>(bytes_[byte_] | pending_);
+    pending_ = 0;
+  }
+
+  std::uint8_t* bytes_;
+  std::int64_t byte_ = 0;
+  unsigned pending_ = 0;
+};
+
+// Appends the fields of `rows` records to `column`, whose
+// rows start at `first` and whose values are sized for them, as Append
+// would one by one; stops at the first field that is not a value of the
+// column's type, returning its record (`rows` when all are).
+// `read(text, row)` stores one nonempty value.
+template <typename Read>
+std::int64_t AppendPlain(const PlainColumn& fields, CsvColumn& column, std::int64_t first,
+                         std::int64_t rows, Read read) {
+  column.validity.resize(static_cast<std::size_t>(first + rows + 7) / 8);
+  BitmapWriter valid(column.validity);
+  for (std::int64_t r = 0; r < rows; ++r) {
+    const std::string_view text = fields.Text(r);
+    if (text.empty()) continue;
+    if (!read(text, static_cast<std::size_t>(first + r))) return r;
+    valid.Set(first + r, true);
+  }
+  return rows;
+}
+
+// AppendPlain for a string column, which takes every field. A short field
+// is copied as 16 bytes, those past it being overwritten by the next one
+// or cut off, where the buffer (ending at `limit`) has them.
+void AppendPlainStrings(const PlainColumn& fields, CsvColumn& column, std::int64_t first,
+                        std::int64_t rows, const char* limit) {
+  constexpr std::size_t kShort = 16;
+  std::size_t size = column.bytes.size();
+  std::size_t total = size + kShort;
+  for (std::int64_t r = 0; r < rows; ++r) total += fields.Text(r).size();
+  column.bytes.resize(total);
+  const auto end = static_cast<std::size_t>(first + rows);
+  column.offsets.resize(end + 1);
+  column.validity.resize((end + 7) / 8);
+  BitmapWriter valid(column.validity);
+  char* const bytes = column.bytes.data();
+  std::int32_t* const offsets = column.offsets.data();
+  for (std::int64_t r = 0; r < rows; ++r) {
+    const std::string_view text = fields.Text(r);
+    if (!text.empty()) {
+      if (text.size() <= kShort && static_cast<std::size_t>(limit - text.data()) >= kShort)
+        std::memcpy(bytes + size, text.data(), kShort);
+      else
+        std::memcpy(bytes + size, text.data(), text.size());
+      size += text.size();
+      valid.Set(first + r, true);
+    }
+    offsets[first + r + 1] = static_cast<std::int32_t>(size);
+  }
+  column.bytes.resize(size);
 }
 
 }  // namespace
@@ -317,6 +443,139 @@ CsvReader::Parsed CsvReader::ParseRecord(const char* p, Span& span, CsvError& er
   }
 }
 
+// Splits the records ahead that are one line of as many unquoted fields
+// as the header has, all ending in "\n" or all in "\r\n", as far as the
+// buffer holds them whole and at most `maxRows`: their fields' starts go to
+// plainStarts_. Stops before any other record (a blank line, a quote, a
+// carriage return in a field, another field count, the other line end,
+// the last bytes), which the full parser then reads. Offsets stay in 32
+// bits, and the records in 64 MiB.
+std::int64_t CsvReader::SplitPlain(std::int64_t maxRows) {
+  const std::size_t width = columns_.size();
+  const std::size_t size = std::min(end_ - pos_, kMaxRecordBytes);
+  const std::size_t needed = static_cast<std::size_t>(maxRows) * width + 1;
+  if (plainStarts_.size() < needed) plainStarts_.resize(needed);
+  const char* const base = data_ + pos_;
+  std::uint32_t* const starts = plainStarts_.data();
+  plainBase_ = base;
+  plainLineEnd_ = 0;  // not known before the first record's
+  starts[0] = 0;
+  std::size_t fields = 0;         // ended so far
+  std::size_t recordEnd = width;  // the count at which the record's line must end
+  std::int64_t rows = 0;
+  for (std::size_t block = 0; block + 64 <= size && width > 0; block += 64) {
+    for (std::uint64_t stops = PlainStopsIn(base + block); stops != 0; stops &= stops - 1) {
+      const std::size_t at = block + static_cast<std::size_t>(LowestBit(stops));
+      const char c = base[at];
+      if (c == ',' && fields + 1 < recordEnd) {
+        starts[++fields] = static_cast<std::uint32_t>(at + 1);
+        continue;
+      }
+      // The carriage return of a "\r\n" that ends the record: the line
+      // feed behind it ends it.
+      if (c == '\r' && fields + 1 == recordEnd && plainLineEnd_ != 1 && at + 1 < size &&
+          base[at + 1] == '\n') {
+        continue;
+      }
+      if (c != '\n' || fields + 1 != recordEnd) return rows;
+      const std::uint32_t lineEnd = at > 0 && base[at - 1] == '\r' ? 2 : 1;
+      // A line holding one empty field is a blank line.
+      if ((lineEnd != plainLineEnd_ && plainLineEnd_ != 0) ||
+          (width == 1 && starts[fields] + lineEnd == at + 1)) {
+        return rows;
+      }
+      plainLineEnd_ = lineEnd;
+      starts[++fields] = static_cast<std::uint32_t>(at + 1);
+      recordEnd += width;
+      if (++rows == maxRows) return rows;
+    }
+  }
+  return rows;
+}
+
+// Converts column `index` of the records split by SplitPlain into
+// `column` from its row `first`, as Append would field by field; stops at
+// the first field that is not a value of the column's type, returning its
+// record (`rows` when all are values).
+std::int64_t CsvReader::ConvertPlain(std::size_t index, CsvColumn& column, std::int64_t first,
+                                     std::int64_t rows) {
+  const std::size_t width = columns_.size();
+  const PlainColumn fields{plainBase_, plainStarts_.data(), width, index,
+                           index + 1 == width ? plainLineEnd_ : 1};
+  // The values are read a word at a time, up to the buffer's end.
+  const char* const limit = data_ + end_;
+  const auto readable = [limit](std::string_view text) {
+    return static_cast<std::size_t>(limit - text.data());
+  };
+  const auto end = static_cast<std::size_t>(first + rows);
+  switch (column.type) {
+    case IDX_Filter_Type_String:
+      AppendPlainStrings(fields, column, first, rows, limit);
+      return rows;
+    case IDX_Filter_Type_Int: {
+      column.ints.resize(end);
+      std::int32_t* const ints = column.ints.data();
+      return AppendPlain(fields, column, first, rows, [&](std::string_view text, std::size_t row) {
+        return ReadInt(text, readable(text), ints[row]);
+      });
+    }
+    case IDX_Filter_Type_Float: {
+      column.floats.resize(end);
+      float* const floats = column.floats.data();
+      return AppendPlain(fields, column, first, rows, [&](std::string_view text, std::size_t row) {
+        return ReadFloat(text, readable(text), floats[row]);
+      });
+    }
+    case IDX_Filter_Type_Boolean: {
+      column.bits.resize((end + 7) / 8);
+      BitmapWriter bits(column.bits);
+      return AppendPlain(fields, column, first, rows, [&](std::string_view text, std::size_t row) {
+        bool value = false;
+        if (!ReadBool(text, readable(text), value)) return false;
+        bits.Set(static_cast<std::int64_t>(row), value);
+        return true;
+      });
+    }
+    default: {
+      column.times.resize(end);
+      std::int64_t* const times = column.times.data();
+      return AppendPlain(fields, column, first, rows, [&](std::string_view text, std::size_t row) {
+        return times_.Read(text, times[row]);
+      });
+    }
+  }
+}
+
+// Adds the `rows` records split by SplitPlain, the first at line `line`,
+// column by column. From the first record with a field that is not a value
+// of its column's type on, they are added record by record, so that what
+// is refused, skipped and reported is as if all were.
+bool CsvReader::AddPlainRows(CsvChunk& chunk, std::int64_t rows, long long line, CsvError& error) {
+  const std::int64_t first = chunk.rows();
+  std::int64_t good = rows;
+  for (std::size_t i = 0; i < columns_.size(); ++i)
+    good = ConvertPlain(i, chunk.columns[i], first, good);
+  if (good < rows) {
+    for (CsvColumn& column : chunk.columns) Truncate(column, first + good);
+  }
+  const std::uint32_t* const starts = plainStarts_.data();
+  const std::size_t width = columns_.size();
+  const auto record = [&](std::int64_t r) {
+    const std::size_t k = static_cast<std::size_t>(r) * width;
+    return std::string_view(plainBase_ + starts[k], starts[k + width] - plainLineEnd_ - starts[k]);
+  };
+  for (std::int64_t r = 0; r < good; ++r) chunk.records.push_back(record(r));
+  for (std::int64_t r = good; r < rows; ++r) {
+    fields_.clear();
+    for (std::size_t i = 0; i < width; ++i) {
+      const PlainColumn column{plainBase_, starts, width, i, i + 1 == width ? plainLineEnd_ : 1};
+      fields_.push_back({column.Text(r), -1, false});
+    }
+    if (!AddRow(chunk, record(r), line + r, error)) return false;
+  }
+  return true;
+}
+
 // Skips blank lines and parses the record behind them, reading more as
 // needed; kIncomplete only at the end of the text.
 CsvReader::Parsed CsvReader::NextRecord(bool mayRefill, const char*& begin, Span& span,
@@ -420,7 +679,7 @@ bool CsvReader::AddRow(CsvChunk& chunk, std::string_view record, long long line,
   const std::int64_t row = chunk.rows();
   for (std::size_t i = 0; i < width; ++i) {
     const std::string_view text = FieldText(fields_[i]);
-    if (!Append(text, fields_[i].quoted, chunk.columns[i], row)) {
+    if (!Append(text, fields_[i].quoted, chunk.columns[i], row, times_)) {
       for (std::size_t j = 0; j < i; ++j) Truncate(chunk.columns[j], row);
       return Bad({line, "column '" + columns_[i].name + "': " + QuoteForMessage(text) + " is not " +
                             TypeWord(columns_[i].type)},
@@ -442,6 +701,14 @@ bool CsvReader::ReadChunk(CsvChunk& chunk, CsvError& error) {
   // The records of a chunk are views into the buffer, so it is refilled
   // only while the chunk is empty.
   while (chunk.rows() < kChunkRows) {
+    const std::int64_t plain = SplitPlain(kChunkRows - chunk.rows());
+    if (plain > 0) {
+      const long long line = line_;
+      pos_ += plainStarts_[static_cast<std::size_t>(plain) * columns_.size()];
+      line_ += plain;
+      if (!AddPlainRows(chunk, plain, line, error)) return Fail(chunk, error);
+      continue;
+    }
     const char* begin = nullptr;
     Span span;
     const Parsed parsed = NextRecord(chunk.rows() == 0, begin, span, error);

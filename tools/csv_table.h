@@ -22,6 +22,7 @@
 #include <string_view>
 #include <vector>
 
+#include "csv_values.h"
 #include "idxbase/filter_vocabulary.h"
 #include "record_table.h"
 
@@ -74,6 +75,12 @@ struct CsvColumnSpec {
 // Reads a typed CSV text in chunks of at most kChunkRows records, in
 // memory bounded by the longest record (at most kMaxRecordBytes, a longer
 // one is refused) whatever the text's length. One thread at a time.
+//
+// Runs of records that are one line of unquoted fields, as typed files
+// mostly are, are split 64 bytes at a time and converted a column at a
+// time; any other record is parsed field by field, and so is every record
+// of a run from its first bad value on, so that what is read, refused,
+// skipped and reported is the same either way.
 class CsvReader {
  public:
   static constexpr int kChunkRows = 8192;
@@ -126,6 +133,10 @@ class CsvReader {
   // NextRecord, the text has ended).
   enum class Parsed { kRecord, kIncomplete, kBad, kFatal };
 
+  std::int64_t SplitPlain(std::int64_t maxRows);
+  bool AddPlainRows(CsvChunk& chunk, std::int64_t rows, long long line, CsvError& error);
+  std::int64_t ConvertPlain(std::size_t index, CsvColumn& column, std::int64_t first,
+                            std::int64_t rows);
   Parsed ParseRecord(const char* begin, Span& span, CsvError& error);
   Parsed NextRecord(bool mayRefill, const char*& begin, Span& span, CsvError& error);
   bool Refill(CsvError& error);
@@ -144,6 +155,12 @@ class CsvReader {
   std::size_t end_ = 0;
   bool eof_ = false;
   long long line_ = 1;
+  // The records split by SplitPlain, from plainBase_: field k of them
+  // starts at plainStarts_[k]; their lines end in plainLineEnd_ bytes.
+  const char* plainBase_ = nullptr;
+  std::vector<std::uint32_t> plainStarts_;
+  std::uint32_t plainLineEnd_ = 1;
+  TimeReader times_;
   std::vector<Field> fields_;
   std::vector<std::string> unescaped_;
   std::vector<CsvColumnSpec> columns_;

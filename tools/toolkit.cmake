@@ -10,6 +10,7 @@ add_library(idxbase_toolkit STATIC
   ${PROJECT_SOURCE_DIR}/tools/chunk_filter.cpp
   ${PROJECT_SOURCE_DIR}/tools/command_line.cpp
   ${PROJECT_SOURCE_DIR}/tools/csv_table.cpp
+  ${PROJECT_SOURCE_DIR}/tools/csv_values.cpp
   ${PROJECT_SOURCE_DIR}/tools/input_file.cpp
   ${PROJECT_SOURCE_DIR}/tools/record_table.cpp)
 target_include_directories(idxbase_toolkit

@@ -11,7 +11,6 @@
 #include "filter_test_support.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
-#include "support/stdout_capture.h"
 
 namespace {
 
@@ -19,6 +18,9 @@ constexpr KORStatus H = IDX_FILTER_HOLDS;
 constexpr KORStatus D = IDX_FILTER_DOES_NOT;
 constexpr KORStatus U = IDX_FILTER_UNDECIDABLE;
 constexpr const char* kNullOperand = "Warning : null operand in BBDBasicExpression::Compile()\n";
+
+using idxbase_test::Printed;
+using idxbase_test::Rendered;
 
 // The operands of these tests never consult the reader.
 using Occurrence = idxbase_test::FakeOccurrence;
@@ -28,7 +30,6 @@ using NoReader = ::testing::StrictMock<idxbase_test::MockAttributeReader>;
 struct Tally {
   int evals = 0;
   int deaths = 0;
-  bool caseSensitive = false;  // of the last evaluation
   unsigned int context = 0;
 };
 
@@ -45,10 +46,8 @@ class Leaf : public BBDExpression {
   Leaf(const Leaf&) = default;
   ~Leaf() override { ++tally_.deaths; }
 
-  KORStatus eval(const BBDOccurrence&, unsigned int context, BBDIAttributeRead&,
-                 bool caseSensitive) override {
+  KORStatus eval(const BBDOccurrence&, unsigned int context, BBDIAttributeRead&, bool) override {
     ++tally_.evals;
-    tally_.caseSensitive = caseSensitive;
     tally_.context = context;
     return result_;
   }
@@ -74,20 +73,26 @@ class Counted : public Base {
   int& deaths_;
 };
 
-// A comparison x = 1 whose operands count their destruction; `na` makes the
-// subject unavailable, so that compilation folds it.
-BBDBasicExpression* Comparison(int& deaths, bool na, int value = 1) {
-  BBDOperand* subject = na ? static_cast<BBDOperand*>(new Counted<BBDNAOperand>(deaths))
-                           : new Counted<BBDOperandIntConst>(deaths, value);
-  return new BBDBasicExpression(IDX_Filter_Op_EqualInt, subject,
-                                new Counted<BBDOperandIntConst>(deaths, 1));
+enum OperandKind { kMissing, kValue, kUnavailable };
+
+// A library operand of `kind` (an integer constant or the NA operand) that
+// counts its destruction.
+BBDOperand* Operand(OperandKind kind, int& deaths, int value = 1) {
+  if (kind == kMissing) return nullptr;
+  if (kind == kUnavailable) return new Counted<BBDNAOperand>(deaths);
+  return new Counted<BBDOperandIntConst>(deaths, value);
 }
 
-std::string Text(BBDExpression* e) {
-  KORUnicodeString text;
-  e->toString(text);
-  return text.ConvertToChar();
+// A comparison `value` = 1 whose operands count their destruction; `na`
+// makes the subject unavailable, so that compilation folds it.
+BBDBasicExpression* Comparison(int& deaths, bool na, int value = 1) {
+  return new BBDBasicExpression(IDX_Filter_Op_EqualInt,
+                                Operand(na ? kUnavailable : kValue, deaths, value),
+                                Operand(kValue, deaths));
 }
+
+// The rendering of `e`; a missing tree renders as nothing.
+std::string Text(BBDExpression* e) { return e == nullptr ? "" : Rendered(*e); }
 
 class ComposedExpressionTest : public ::testing::Test {
  protected:
@@ -99,20 +104,19 @@ class ComposedExpressionTest : public ::testing::Test {
   NoReader reader_;
 };
 
-TEST_F(ComposedExpressionTest, PassesContextAndCaseSettingDown) {
-  for (bool caseSensitive : {false, true}) {
-    Tally a, b, c;
-    BBDComposedExpression e(
-        IDX_Filter_Op_And, new Leaf(H, a),
-        new BBDComposedExpression(
-            IDX_Filter_Op_Not,
-            new BBDComposedExpression(IDX_Filter_Op_Or, new Leaf(D, b), new Leaf(H, c)), nullptr));
-    EXPECT_EQ(D, Eval(e, caseSensitive, 42));
-    for (const Tally* t : {&a, &b, &c}) {
-      EXPECT_EQ(1, t->evals);
-      EXPECT_EQ(caseSensitive, t->caseSensitive);
-      EXPECT_EQ(42u, t->context);
-    }
+// The case setting reaches the leaves too; the soak sees that in its
+// answers.
+TEST_F(ComposedExpressionTest, PassesTheContextDown) {
+  Tally a, b, c;
+  BBDComposedExpression e(
+      IDX_Filter_Op_And, new Leaf(H, a),
+      new BBDComposedExpression(
+          IDX_Filter_Op_Not,
+          new BBDComposedExpression(IDX_Filter_Op_Or, new Leaf(D, b), new Leaf(H, c)), nullptr));
+  EXPECT_EQ(D, Eval(e, true, 42));
+  for (const Tally* t : {&a, &b, &c}) {
+    EXPECT_EQ(1, t->evals);
+    EXPECT_EQ(42u, t->context);
   }
 }
 
@@ -125,129 +129,102 @@ TEST_F(ComposedExpressionTest, NAExpressionCopiesStayConstant) {
   EXPECT_EQ(U, Eval(*copy));
 }
 
-TEST(CompileExpression, ComparisonOverAnUnavailableOperandBecomesNA) {
-  for (int position = 0; position < 3; ++position) {
+// A comparison with an unavailable operand becomes NA, deleting its
+// operands; one with a missing first or second operand stays, with a
+// warning. A missing root stays missing.
+TEST(CompileExpression, ComparisonsFoldOnlyOverAnUnavailableOperand) {
+  BBDExpression* none = nullptr;
+  BBDExpression::Compile(none);
+  EXPECT_EQ(nullptr, none);
+  const struct {
+    OperandKind operands[3];
+    const char* output;
+    bool folds;
+  } rows[] = {
+      {{kUnavailable, kValue, kValue}, "", true},
+      {{kValue, kUnavailable, kValue}, "", true},
+      {{kValue, kValue, kUnavailable}, "", true},
+      {{kValue, kValue, kMissing}, "", false},
+      {{kMissing, kValue, kValue}, kNullOperand, false},
+      {{kValue, kMissing, kMissing}, kNullOperand, false},
+      {{kMissing, kUnavailable, kMissing}, kNullOperand, false},  // a missing subject is not folded
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.operands[0] << row.operands[1] << row.operands[2]);
     int deaths = 0;
+    int held = 0;
     BBDOperand* operands[3];
     for (int i = 0; i < 3; ++i) {
-      operands[i] = i == position ? static_cast<BBDOperand*>(new Counted<BBDNAOperand>(deaths))
-                                  : new Counted<BBDOperandIntConst>(deaths, i);
+      operands[i] = Operand(row.operands[i], deaths);
+      held += operands[i] != nullptr ? 1 : 0;
     }
     BBDExpression* root =
         new BBDBasicExpression(IDX_Filter_Op_BetweenInt, operands[0], operands[1], operands[2]);
-    idxbase_test::StdoutCapture capture;
-    BBDExpression::Compile(root);
-    EXPECT_EQ("", capture.Finish());
-    EXPECT_EQ(3, deaths) << position;
-    EXPECT_TRUE(root->IsConstant()) << position;
-    EXPECT_EQ("NAExpression", Text(root));
-    delete root;
-  }
-}
-
-TEST(CompileExpression, ComparisonsThatStay) {
-  struct Case {
-    bool first, second, secondNA;
-    const char* output;
-  };
-  const Case cases[] = {
-      {true, true, false, ""},
-      {false, true, false, kNullOperand},
-      {true, false, false, kNullOperand},
-      {false, true, true, kNullOperand},  // a missing subject is not folded
-  };
-  for (const Case& c : cases) {
-    int deaths = 0;
-    BBDOperand* second = !c.second    ? nullptr
-                         : c.secondNA ? static_cast<BBDOperand*>(new Counted<BBDNAOperand>(deaths))
-                                      : new Counted<BBDOperandIntConst>(deaths, 1);
-    BBDOperand* first = c.first ? new Counted<BBDOperandIntConst>(deaths, 1) : nullptr;
-    BBDExpression* original = new BBDBasicExpression(IDX_Filter_Op_EqualInt, first, second);
-    BBDExpression* root = original;
-    idxbase_test::StdoutCapture capture;
-    BBDExpression::Compile(root);
-    EXPECT_EQ(c.output, capture.Finish());
-    EXPECT_EQ(original, root);
-    EXPECT_EQ(0, deaths);
-    delete root;
-  }
-}
-
-TEST(CompileExpression, NullRootStaysNull) {
-  BBDExpression* root = nullptr;
-  BBDExpression::Compile(root);
-  EXPECT_EQ(nullptr, root);
-}
-
-// An and with an unavailable side becomes NA; an or becomes its other side,
-// or NA when both are unavailable. Whatever is dropped is deleted.
-TEST(CompileExpression, AndAndOrFoldTheirUnavailableSides) {
-  enum Result { kKept, kFirst, kSecond, kNA };
-  const struct {
-    IDX_Filter_Operator op;
-    bool firstNA, secondNA;
-    Result result;
-  } rows[] = {
-      {IDX_Filter_Op_And, true, false, kNA},    {IDX_Filter_Op_And, false, true, kNA},
-      {IDX_Filter_Op_And, true, true, kNA},     {IDX_Filter_Op_And, false, false, kKept},
-      {IDX_Filter_Op_Or, true, false, kSecond}, {IDX_Filter_Op_Or, false, true, kFirst},
-      {IDX_Filter_Op_Or, true, true, kNA},      {IDX_Filter_Op_Or, false, false, kKept},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(testing::Message() << row.op << row.firstNA << row.secondNA);
-    int firstDeaths = 0;
-    int secondDeaths = 0;
-    BBDExpression* first = Comparison(firstDeaths, row.firstNA);
-    BBDExpression* second = Comparison(secondDeaths, row.secondNA);
-    BBDExpression* root = new BBDComposedExpression(row.op, first, second);
     BBDExpression* const original = root;
-    BBDExpression::Compile(root);
-    if (row.result == kNA) {
+    EXPECT_EQ(row.output, Printed([&] { BBDExpression::Compile(root); }));
+    if (row.folds) {
       EXPECT_EQ("NAExpression", Text(root));
     } else {
-      EXPECT_EQ(row.result == kKept ? original : row.result == kFirst ? first : second, root);
+      EXPECT_EQ(original, root);
     }
-    EXPECT_EQ(row.result == kKept || row.result == kFirst ? 0 : 2, firstDeaths);
-    EXPECT_EQ(row.result == kKept || row.result == kSecond ? 0 : 2, secondDeaths);
+    EXPECT_EQ(row.folds ? held : 0, deaths);
     delete root;
   }
 }
 
-TEST(CompileExpression, NodesThatStayAroundNA) {
-  Occurrence occurrence;
-  NoReader reader;
-  int deaths = 0;
-  // A not keeps its unavailable operand, now an NA expression.
-  BBDExpression* notNode =
-      new BBDComposedExpression(IDX_Filter_Op_Not, Comparison(deaths, true), nullptr);
-  BBDExpression* original = notNode;
-  BBDExpression::Compile(notNode);
-  EXPECT_EQ(original, notNode);
-  EXPECT_EQ(2, deaths);
-  EXPECT_EQ("( ! NAExpression )", Text(notNode));
-  EXPECT_EQ(U, notNode->eval(occurrence, 0, reader, true));
-  delete notNode;
-
-  // An or whose other side is missing collapses to nothing, either way
-  // round; the or goes with its NA side.
-  for (bool naFirst : {true, false}) {
-    int orDeaths = 0;
-    BBDExpression* na = Comparison(orDeaths, true);
-    BBDExpression* orNode =
-        new BBDComposedExpression(IDX_Filter_Op_Or, naFirst ? na : nullptr, naFirst ? nullptr : na);
-    BBDExpression::Compile(orNode);
-    EXPECT_EQ(nullptr, orNode) << naFirst;
-    EXPECT_EQ(2, orDeaths) << naFirst;
+// An and with an unavailable side becomes NA; an or becomes its other side
+// (nothing when that is missing), or NA when both are unavailable; other
+// operators keep their sides, now NA. Whatever is dropped is deleted, and
+// compiling again changes nothing.
+TEST(CompileExpression, AndAndOrFoldTheirUnavailableSides) {
+  enum Side { kLive, kNA, kAbsent };
+  enum Result { kKept, kFirst, kSecond, kNAExpression, kNothing };
+  const struct {
+    int op;
+    Side first, second;
+    Result result;
+    const char* text;
+  } rows[] = {
+      {IDX_Filter_Op_And, kNA, kLive, kNAExpression, "NAExpression"},
+      {IDX_Filter_Op_And, kLive, kNA, kNAExpression, "NAExpression"},
+      {IDX_Filter_Op_And, kNA, kNA, kNAExpression, "NAExpression"},
+      {IDX_Filter_Op_And, kLive, kLive, kKept, "( ( 2 = 1 ) & ( 3 = 1 ) )"},
+      {IDX_Filter_Op_Or, kNA, kLive, kSecond, "( 3 = 1 )"},
+      {IDX_Filter_Op_Or, kLive, kNA, kFirst, "( 2 = 1 )"},
+      {IDX_Filter_Op_Or, kNA, kNA, kNAExpression, "NAExpression"},
+      {IDX_Filter_Op_Or, kLive, kLive, kKept, "( ( 2 = 1 ) | ( 3 = 1 ) )"},
+      {IDX_Filter_Op_Or, kNA, kAbsent, kNothing, ""},
+      {IDX_Filter_Op_Or, kAbsent, kNA, kNothing, ""},
+      {IDX_Filter_Op_Not, kNA, kAbsent, kKept, "( ! NAExpression )"},
+      {5, kNA, kNA, kKept, "( NAExpression = NAExpression )"},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(testing::Message() << row.op << row.first << row.second);
+    int deaths[2] = {};
+    BBDExpression* sides[2];
+    for (int i = 0; i < 2; ++i) {
+      const Side side = i == 0 ? row.first : row.second;
+      sides[i] = side == kAbsent ? nullptr : Comparison(deaths[i], side == kNA, 2 + i);
+    }
+    BBDExpression* root =
+        new BBDComposedExpression(static_cast<IDX_Filter_Operator>(row.op), sides[0], sides[1]);
+    BBDExpression* const wanted[] = {root, sides[0], sides[1], nullptr, nullptr};
+    BBDExpression::Compile(root);
+    if (row.result != kNAExpression) {
+      EXPECT_EQ(wanted[row.result], root);
+    }
+    EXPECT_EQ(row.text, Text(root));
+    for (int i = 0; i < 2; ++i) {
+      const Side side = i == 0 ? row.first : row.second;
+      const bool stays =
+          side == kAbsent || (side == kLive && (row.result == kKept || row.result == kFirst + i));
+      EXPECT_EQ(stays ? 0 : 2, deaths[i]) << "side " << i;
+    }
+    BBDExpression* const compiled = root;
+    BBDExpression::Compile(root);
+    EXPECT_EQ(compiled, root);
+    delete root;
   }
-
-  // Other operators do not fold.
-  BBDExpression* other = new BBDComposedExpression(
-      static_cast<IDX_Filter_Operator>(5), Comparison(deaths, true), Comparison(deaths, true));
-  original = other;
-  BBDExpression::Compile(other);
-  EXPECT_EQ(original, other);
-  EXPECT_EQ("( NAExpression = NAExpression )", Text(other));
-  delete other;
 }
 
 // An expression that says whether it is constant, and logs each question.
@@ -333,7 +310,7 @@ TEST(ExpressionInterface, VirtualSlotsKeepTheirOrder) {
   }
 }
 
-TEST(CompileExpression, TreesFoldBottomUpInOnePass) {
+TEST(CompileExpression, TreesFoldBottomUp) {
   int deaths = 0;
   int keptDeaths = 0;
   // ( ( NA & a ) | ( kept | NA ) ) folds to kept.
@@ -348,20 +325,6 @@ TEST(CompileExpression, TreesFoldBottomUpInOnePass) {
   EXPECT_EQ(6, deaths);
   EXPECT_EQ(0, keptDeaths);
   delete root;
-
-  // ( ( NA | NA ) & x ) goes to NA in one call, and compiling again changes nothing.
-  root = new BBDComposedExpression(
-      IDX_Filter_Op_And,
-      new BBDComposedExpression(IDX_Filter_Op_Or, Comparison(deaths, true),
-                                Comparison(deaths, true)),
-      Comparison(deaths, false));
-  BBDExpression::Compile(root);
-  EXPECT_EQ("NAExpression", Text(root));
-  BBDExpression* compiled = root;
-  BBDExpression::Compile(root);
-  EXPECT_EQ(compiled, root);
-  delete root;
-  EXPECT_EQ(12, deaths);
 }
 
 TEST_F(ComposedExpressionTest, CopiesAreDeep) {

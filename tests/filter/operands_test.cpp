@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <functional>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,31 +10,22 @@
 #include "filter_test_support.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_operands.h"
-#include "support/stdout_capture.h"
 
 namespace {
 
 using idxbase_test::FakeOccurrence;
+using idxbase_test::kReadTypes;
 using idxbase_test::MockAttributeReader;
+using idxbase_test::Printed;
+using idxbase_test::ReadAs;
+using idxbase_test::ReadOutcome;
+using idxbase_test::Rendered;
 using testing::StrictMock;
 
 char* Malloced(const char* text) {
   char* copy = static_cast<char*>(std::malloc(std::strlen(text) + 1));
   std::strcpy(copy, text);
   return copy;
-}
-
-std::string Rendered(BBDOperand& operand, const char* initial = "") {
-  KORUnicodeString text(initial);
-  operand.toString(text);
-  return text.ConvertToChar();
-}
-
-template <class F>
-std::string Printed(F&& f) {
-  idxbase_test::StdoutCapture capture;
-  f();
-  return capture.Finish();
 }
 
 // An integer constant that logs its id when destroyed.
@@ -54,87 +45,71 @@ struct Context {
   StrictMock<MockAttributeReader> reader;
 };
 
-// Runs every read with sentinel outputs; returns the set of value types
-// whose read succeeded, checking that the failed ones kept their output.
+// The value types whose read succeeds, as a bit set; a failed read must
+// fail with KOR_E_FAIL and keep its output.
 unsigned SucceedingReads(BBDOperand& op) {
   Context c;
   unsigned ok = 0;
-  auto record = [&ok](IDX_Filter_ValueType type, KORStatus status, bool outputKept) {
-    if (status == KOR_S_OK) {
+  for (IDX_Filter_ValueType type : kReadTypes) {
+    const ReadOutcome read = ReadAs(op, type, c.occurrence, 0, c.reader);
+    if (read.status == KOR_S_OK) {
       ok |= 1u << type;
-      return;
+    } else {
+      EXPECT_EQ(KOR_E_FAIL, read.status) << "read of type " << type;
+      EXPECT_TRUE(read.kept) << "read of type " << type;
     }
-    EXPECT_EQ(KOR_E_FAIL, status) << "read of type " << type;
-    EXPECT_TRUE(outputKept) << "read of type " << type;
-  };
-  const char* const marker = "m";
-  const char* s = marker;
-  int n = -77;
-  KORStatus status = op.GetValString(c.occurrence, 0, c.reader, s, n);
-  record(IDX_Filter_Type_String, status, s == marker && n == -77);
-  n = -77;
-  status = op.GetValInt(c.occurrence, 0, c.reader, n);
-  record(IDX_Filter_Type_Int, status, n == -77);
-  float f = -9.5f;
-  status = op.GetValFloat(c.occurrence, 0, c.reader, f);
-  record(IDX_Filter_Type_Float, status, f == -9.5f);
-  bool b = true;
-  status = op.GetValBool(c.occurrence, 0, c.reader, b);
-  record(IDX_Filter_Type_Boolean, status, b);
-  const KORTime sentinel(2001, 2, 3, 4, 5, 6);
-  KORTime t = sentinel;
-  status = op.GetValTime(c.occurrence, 0, c.reader, t);
-  record(IDX_Filter_Type_Time, status, t == sentinel);
-  BBDOperandIntConst outsider(0);
-  KORListPtrBBDOperand list;
-  list.Append(&outsider);
-  status = op.GetValSet(c.occurrence, 0, c.reader, list);
-  record(IDX_Filter_Type_Set, status,
-         list.Size() == 1 && static_cast<BBDOperand*>(list[1]) == &outsider);
+  }
   return ok;
 }
 
-struct OperandCase {
-  const char* label;
-  std::function<BBDOperand*()> make;
-  IDX_Filter_OperandType operandType;
-  IDX_Filter_ValueType valueType;
-  const char* rendering;  // toString into an empty text
-};
+// The bytes that a string read delivers, or "failed" for a failed read.
+std::string StringRead(BBDOperand& op) {
+  Context c;
+  const char* s = nullptr;
+  int length = 0;
+  if (op.GetValString(c.occurrence, 0, c.reader, s, length) != KOR_S_OK) return "failed";
+  return length == 0 ? "" : std::string(s, static_cast<size_t>(length));
+}
 
 const char* const kUserVariable = "user";
 
-std::vector<OperandCase> AllOperands() {
-  return {
-      {"na", [] { return new BBDNAOperand(); }, IDX_Filter_Operand_Constant, IDX_Filter_Type_NA,
-       "NAOperand"},
-      {"int", [] { return new BBDOperandIntConst(7); }, IDX_Filter_Operand_Constant,
-       IDX_Filter_Type_Int, "7"},
-      {"negative int", [] { return new BBDOperandIntConst(-42); }, IDX_Filter_Operand_Constant,
-       IDX_Filter_Type_Int, "-42"},
-      {"float", [] { return new BBDOperandFloatConst(1.5f); }, IDX_Filter_Operand_Constant,
-       IDX_Filter_Type_Float, "1.500000000"},
-      {"false", [] { return new BBDOperandBooleanConst(false); }, IDX_Filter_Operand_Constant,
-       IDX_Filter_Type_Boolean, "false"},
-      {"true", [] { return new BBDOperandBooleanConst(true); }, IDX_Filter_Operand_Constant,
-       IDX_Filter_Type_Boolean, "true"},
-      {"string", [] { return new BBDOperandStringConst(Malloced("abc")); },
-       IDX_Filter_Operand_Constant, IDX_Filter_Type_String, "\"abc\""},
-      {"null string", [] { return new BBDOperandStringConst(nullptr); },
-       IDX_Filter_Operand_Constant, IDX_Filter_Type_String, "\"\""},
-      {"time", [] { return new BBDOperandTimeConst(KORTime(2020, 1, 1, 0, 0, 0)); },
-       IDX_Filter_Operand_Constant, IDX_Filter_Type_Time, "time unsupported"},
-      {"user string", [] { return new BBDOperandStringUser(&kUserVariable); },
-       IDX_Filter_Operand_User, IDX_Filter_Type_String, ""},
-      {"set", [] { return new BBDOperandSet(new BBDOperandIntConst(1)); },
-       IDX_Filter_Operand_Constant, IDX_Filter_Type_Set, ""},
+// Every operand of this header compiles to itself; a null one stays null.
+TEST(Operands, KindsReadsRenderingAndCompile) {
+  BBDOperand* none = nullptr;
+  BBDOperand::Compile(none);
+  EXPECT_EQ(nullptr, none);
+  const struct {
+    BBDOperand* operand;
+    IDX_Filter_OperandType operandType;
+    IDX_Filter_ValueType valueType;
+    const char* rendering;  // toString into an empty text
+  } cases[] = {
+      {new BBDNAOperand(), IDX_Filter_Operand_Constant, IDX_Filter_Type_NA, "NAOperand"},
+      {new BBDOperandIntConst(7), IDX_Filter_Operand_Constant, IDX_Filter_Type_Int, "7"},
+      {new BBDOperandIntConst(-42), IDX_Filter_Operand_Constant, IDX_Filter_Type_Int, "-42"},
+      {new BBDOperandFloatConst(1.5f), IDX_Filter_Operand_Constant, IDX_Filter_Type_Float,
+       "1.500000000"},
+      {new BBDOperandBooleanConst(false), IDX_Filter_Operand_Constant, IDX_Filter_Type_Boolean,
+       "false"},
+      {new BBDOperandBooleanConst(true), IDX_Filter_Operand_Constant, IDX_Filter_Type_Boolean,
+       "true"},
+      {new BBDOperandStringConst(Malloced("abc")), IDX_Filter_Operand_Constant,
+       IDX_Filter_Type_String, "\"abc\""},
+      {new BBDOperandStringConst(nullptr), IDX_Filter_Operand_Constant, IDX_Filter_Type_String,
+       "\"\""},
+      {new BBDOperandTimeConst(KORTime(2020, 1, 1, 0, 0, 0)), IDX_Filter_Operand_Constant,
+       IDX_Filter_Type_Time, "time unsupported"},
+      {new BBDOperandStringUser(&kUserVariable), IDX_Filter_Operand_User, IDX_Filter_Type_String,
+       ""},
+      {new BBDOperandSet(new BBDOperandIntConst(1)), IDX_Filter_Operand_Constant,
+       IDX_Filter_Type_Set, ""},
   };
-}
-
-TEST(Operands, OnlyTheHeldTypeReadsKindsAndRendering) {
-  for (const OperandCase& c : AllOperands()) {
-    SCOPED_TRACE(c.label);
-    std::unique_ptr<BBDOperand> op(c.make());
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << "value type " << c.valueType << ", " << c.rendering);
+    BBDOperand* op = c.operand;
+    BBDOperand::Compile(op);
+    std::unique_ptr<BBDOperand> owner(op);
+    ASSERT_EQ(c.operand, op);
     EXPECT_EQ(c.operandType, op->GetOperandType());
     EXPECT_EQ(c.valueType, op->GetValueType());
     const unsigned expected = c.valueType == IDX_Filter_Type_NA ? 0u : 1u << c.valueType;
@@ -146,38 +121,19 @@ TEST(Operands, OnlyTheHeldTypeReadsKindsAndRendering) {
   }
 }
 
-TEST(Operands, CompileKeepsEveryOperandOfThisHeader) {
-  BBDOperand* none = nullptr;
-  BBDOperand::Compile(none);
-  EXPECT_EQ(nullptr, none);
-  for (const OperandCase& c : AllOperands()) {
-    SCOPED_TRACE(c.label);
-    BBDOperand* op = c.make();
-    BBDOperand* const before = op;
-    BBDOperand::Compile(op);
-    EXPECT_EQ(before, op);
-    EXPECT_EQ(c.rendering, Rendered(*op));  // still alive
-    delete op;
+// Strings without bytes, and a user string without a variable to point to,
+// read as empty; one whose variable is null fails every read.
+TEST(Operands, StringReadsDeliverTheHeldBytes) {
+  BBDOperandStringConst empty(Malloced("")), null(nullptr);
+  BBDOperandStringUser unbound(nullptr);
+  for (BBDOperand* op : std::initializer_list<BBDOperand*>{&empty, &null, &unbound}) {
+    EXPECT_EQ("", StringRead(*op));
   }
-  std::vector<int> log;
-  BBDOperand* set = new BBDOperandSet(new LoggedOperand(1, &log));
-  BBDOperand::Compile(set);
-  EXPECT_TRUE(log.empty());
-  delete set;
-  EXPECT_EQ(std::vector<int>{1}, log);
-}
-
-// The soak builds no null or empty string constant.
-TEST(Operands, EmptyStringConstantsDeliverNoBytes) {
-  Context r;
-  for (char* empty : {Malloced(""), static_cast<char*>(nullptr)}) {
-    BBDOperandStringConst op(empty);
-    const char* s = nullptr;
-    int length = -1;
-    EXPECT_EQ(KOR_S_OK, op.GetValString(r.occurrence, 9, r.reader, s, length));
-    EXPECT_EQ(0, length);
-    EXPECT_EQ("\"\"", Rendered(op));
-  }
+  const char* variable = "v";
+  BBDOperandStringUser user(&variable);
+  EXPECT_EQ("v", StringRead(user));
+  variable = nullptr;
+  EXPECT_EQ(0u, SucceedingReads(user));
 }
 
 TEST(Operands, RenderingAppendsOnlyForStringConstants) {
@@ -188,24 +144,6 @@ TEST(Operands, RenderingAppendsOnlyForStringConstants) {
   EXPECT_EQ("keep", Rendered(user, "keep"));
   BBDOperandSet set(new BBDOperandIntConst(3));
   EXPECT_EQ("keep", Rendered(set, "keep"));
-}
-
-// Rereading the variable is checked by the soak; a failed read keeps the
-// outputs, and no variable at all reads as empty.
-TEST(Operands, UserStringWithoutVariable) {
-  Context r;
-  const char* variable = nullptr;
-  BBDOperandStringUser op(&variable);
-  const char* s = "unchanged";
-  const char* const before = s;
-  int length = 99;
-  EXPECT_EQ(KOR_E_FAIL, op.GetValString(r.occurrence, 0, r.reader, s, length));
-  EXPECT_EQ(before, s);
-  EXPECT_EQ(99, length);
-
-  BBDOperandStringUser unbound(nullptr);
-  EXPECT_EQ(KOR_S_OK, unbound.GetValString(r.occurrence, 0, r.reader, s, length));
-  EXPECT_EQ(0, length);
 }
 
 TEST(Operands, StringConstantAssignmentCopiesTheBytes) {
@@ -220,9 +158,7 @@ TEST(Operands, StringConstantAssignmentCopiesTheBytes) {
   target.GetValString(r.occurrence, 0, r.reader, fromTarget, length);
   EXPECT_NE(fromSource, fromTarget);
   source.reset();  // the target's bytes must survive it
-  EXPECT_EQ(KOR_S_OK, target.GetValString(r.occurrence, 0, r.reader, fromTarget, length));
-  EXPECT_EQ(3, length);
-  EXPECT_EQ("abc", std::string(fromTarget, 3));
+  EXPECT_EQ("abc", StringRead(target));
 
   BBDOperandStringConst& alias = target;
   target = alias;
@@ -230,45 +166,36 @@ TEST(Operands, StringConstantAssignmentCopiesTheBytes) {
 
   BBDOperandStringConst empty(nullptr);
   target = empty;
-  EXPECT_EQ(KOR_S_OK, target.GetValString(r.occurrence, 0, r.reader, fromTarget, length));
-  EXPECT_EQ(0, length);
+  EXPECT_EQ("", StringRead(target));
   EXPECT_EQ("\"\"", Rendered(target));
 }
 
-TEST(OperandSet, SizeAppendAndPrint) {
+// A set counts its null elements, prints only the others, and hands out
+// its element pointers in place of what the list held.
+TEST(OperandSet, AppendPrintAndGetValSet) {
   BBDOperandSet empty;
   EXPECT_EQ(0, empty.Size());
   EXPECT_EQ("{ }", Printed([&] { empty.print(); }));
 
-  BBDOperandSet one(new BBDOperandIntConst(7));
-  EXPECT_EQ(1, one.Size());
-  EXPECT_EQ("{ 7 }", Printed([&] { one.print(); }));
+  BBDOperand* abc = new BBDOperandStringConst(Malloced("abc"));
+  BBDOperand* real = new BBDOperandFloatConst(1.5f);
+  BBDOperandSet set(nullptr);
+  EXPECT_EQ(1, set.Size());
+  EXPECT_EQ(2, set.Append(abc));
+  EXPECT_EQ(3, set.Append(nullptr));
+  EXPECT_EQ(4, set.Append(real));
+  EXPECT_EQ(4, set.Size());
+  EXPECT_EQ("{ \"abc\" 1.500000000 }", Printed([&] { set.print(); }));
 
-  BBDOperandSet withNull(nullptr);
-  EXPECT_EQ(1, withNull.Size());
-  EXPECT_EQ(2, withNull.Append(new BBDOperandStringConst(Malloced("abc"))));
-  EXPECT_EQ(3, withNull.Append(nullptr));
-  EXPECT_EQ(4, withNull.Append(new BBDOperandFloatConst(1.5f)));
-  EXPECT_EQ(4, withNull.Size());
-  EXPECT_EQ("{ \"abc\" 1.500000000 }", Printed([&] { withNull.print(); }));
-}
-
-TEST(OperandSet, GetValSetReplacesTheListContent) {
   Context r;
-  BBDOperand* a = new BBDOperandIntConst(1);
-  BBDOperand* b = new BBDOperandIntConst(2);
-  BBDOperandSet set(a);
-  set.Append(nullptr);
-  set.Append(b);
   BBDOperandIntConst outsider(0);
   KORListPtrBBDOperand list;
   for (int k = 0; k < 5; ++k) list.Append(&outsider);
   EXPECT_EQ(KOR_S_OK, set.GetValSet(r.occurrence, 0, r.reader, list));
   const KORListPtrBBDOperand& view = list;
-  ASSERT_EQ(3, view.Size());
-  EXPECT_EQ(a, view[1]);
-  EXPECT_EQ(nullptr, view[2]);
-  EXPECT_EQ(b, view[3]);
+  ASSERT_EQ(4, view.Size());
+  EXPECT_EQ((std::vector<BBDOperand*>{nullptr, abc, nullptr, real}),
+            (std::vector<BBDOperand*>{view[1], view[2], view[3], view[4]}));
 }
 
 // The lists hand out the element pointer itself, so an element can be

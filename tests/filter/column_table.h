@@ -94,47 +94,43 @@ class ColumnReader : public BBDIAttributeRead {
   std::int64_t row = 0;
 
   int ReadInt(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
-    const Column* c = At(pair, kIntColumn);
-    if (c != nullptr) value = c->ints[row];
-    return c != nullptr;
+    return Read(pair, kIntColumn, [&](const Column& c) { value = c.ints[row]; });
   }
   int ReadFloat(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
                 float& value) override {
-    const Column* c = At(pair, kFloatColumn);
-    if (c != nullptr) value = c->floats[row];
-    return c != nullptr;
+    return Read(pair, kFloatColumn, [&](const Column& c) { value = c.floats[row]; });
   }
   int ReadBool(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
-    const Column* c = At(pair, kBoolColumn);
-    if (c != nullptr) value = GetBit(c->bools, row);
-    return c != nullptr;
+    return Read(pair, kBoolColumn, [&](const Column& c) { value = GetBit(c.bools, row); });
   }
   int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
                KORTime& value) override {
-    const Column* c = At(pair, kTimeColumn);
-    if (c != nullptr) value = KORTime::FromEpochSeconds(c->seconds[row]);
-    return c != nullptr;
+    return Read(pair, kTimeColumn,
+                [&](const Column& c) { value = KORTime::FromEpochSeconds(c.seconds[row]); });
   }
   int ReadString(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, const char*& value,
                  int& length) override {
-    const Column* c = At(pair, kStringColumn);
-    if (c == nullptr) return 0;
-    value = c->bytes.data() + c->offsets[row];
-    length = c->offsets[row + 1] - c->offsets[row];
-    return 1;
+    return Read(pair, kStringColumn, [&](const Column& c) {
+      value = c.bytes.data() + c.offsets[row];
+      length = c.offsets[row + 1] - c.offsets[row];
+    });
   }
   int IsOfType(const BBDOccurrence&, unsigned int, BBDTypeInfo*, int&) override { return 0; }
   AttributeTypePair ResolvePair(const char*, int, unsigned int) override { return {}; }
   AttributeTypePair ResolveStringPair(const char*, int, unsigned int) override { return {}; }
 
  private:
-  const Column* At(const AttributeTypePair* pair, int type) const {
+  // Gives the pair's column to `deliver` and returns 1, or returns 0.
+  template <class Deliver>
+  int Read(const AttributeTypePair* pair, int type, Deliver deliver) const {
     if (pair == nullptr || pair->GetType() != type || pair->GetAttribute() < 0 ||
         pair->GetAttribute() >= kColumnAttributes) {
-      return nullptr;
+      return 0;
     }
     const Column& c = table_.of[type][pair->GetAttribute()];
-    return GetBit(c.validity, row) ? &c : nullptr;
+    if (!GetBit(c.validity, row)) return 0;
+    deliver(c);
+    return 1;
   }
   const ColumnTable& table_;
 };

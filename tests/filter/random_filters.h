@@ -1,8 +1,6 @@
-// Random filter trees and records for the filter tests (the soak and the
-// column evaluator's differential test): models of trees that a reference
-// evaluator can read, the library trees built from them, and a seeded
-// generator drawing both from small domains so that comparisons often meet
-// equal values.
+// Random filter trees and records for the filter tests: models of trees
+// that a reference evaluator can read, the library trees built from them,
+// and a seeded generator of both.
 #ifndef IDXBASE_TESTS_FILTER_RANDOM_FILTERS_H_
 #define IDXBASE_TESTS_FILTER_RANDOM_FILTERS_H_
 
@@ -145,11 +143,9 @@ class OneLevel : public BBDOccurrence {
   unsigned int GetLevelCount() const override { return 1; }
 };
 
+// The library's value type of `type`: numbered alike, but for time.
 inline IDX_Filter_ValueType LibraryType(Type type) {
-  static const IDX_Filter_ValueType kTypes[] = {IDX_Filter_Type_Int, IDX_Filter_Type_String,
-                                                IDX_Filter_Type_Float, IDX_Filter_Type_Boolean,
-                                                IDX_Filter_Type_Time};
-  return kTypes[static_cast<int>(type)];
+  return type == Type::kTime ? IDX_Filter_Type_Time : static_cast<IDX_Filter_ValueType>(type);
 }
 
 // Builds library trees whose user-string operands read `*userVariable`.

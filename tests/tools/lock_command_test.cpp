@@ -15,18 +15,17 @@
 namespace idxbase_test {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 class LockCommand : public ToolTest {
  protected:
-  std::string LockSubdirectory() const { return Path("lock"); }
-
   // The names of the lock files now in the directory's lock subdirectory.
   std::vector<std::string> LockFiles() const {
     std::vector<std::string> names;
     std::error_code error;
-    for (const auto& entry : std::filesystem::directory_iterator(LockSubdirectory(), error)) {
+    for (const auto& entry : std::filesystem::directory_iterator(Path("lock"), error)) {
       names.push_back(entry.path().filename().string());
     }
     return names;
@@ -51,33 +50,25 @@ TEST_F(LockCommand, AHolderLocksOutOthersUntilItsCommandEnds) {
 
   // Standard output holds the answer alone: the library's messages about
   // the lock files go to standard error.
-  ChildResult query = RunChild({"/bin/sh", "-c", "\"$0\" islocked \"$1\" 2>/dev/null",
-                                BuiltProgram("tools/idxbase"), dir_.path()},
-                               {});
+  ChildResult query = RunShell("\"$0\" islocked \"$1\" 2>/dev/null", {dir_.path()});
   EXPECT_EQ(0, query.exitCode) << query.output;
   EXPECT_EQ("locked\n", query.output);
   // The holder's own files do not count for it.
-  ChildResult asHolder = RunTool({"islocked", dir_.path(), "--owner", "4242", "--quiet"});
-  EXPECT_EQ(1, asHolder.exitCode) << asHolder.output;
-  EXPECT_EQ("", asHolder.output);
+  ExpectRuns({{{"islocked", dir_.path(), "--owner", "4242", "--quiet"}, 1, ""}});
 
-  // Both give up while the holder still holds: at once, and after a wait.
+  // Others give up while the holder still holds: at once, and after a wait.
   std::future<ChildResult> waiting = std::async(std::launch::async, [&] {
     return RunTool({"lock", dir_.path(), "--wait", "0.5", "--", "true"});
   });
-  ChildResult contender = RunTool({"lock", dir_.path(), "-n", "--", "true"});
-  EXPECT_EQ(75, contender.exitCode) << contender.output;
-  EXPECT_THAT(contender.output,
-              HasSubstr("idxbase lock: " + dir_.path() + " is locked by another living owner\n"));
-  ChildResult waited = waiting.get();
-  EXPECT_EQ(75, waited.exitCode) << waited.output;
+  ExpectRuns(
+      {{{"lock", dir_.path(), "-n", "--", "true"},
+        75,
+        HasSubstr("idxbase lock: " + dir_.path() + " is locked by another living owner\n")}});
+  EXPECT_EQ(75, waiting.get().exitCode);
 
-  ChildResult held = holder.get();
-  EXPECT_EQ(0, held.exitCode) << held.output;
+  EXPECT_EQ(0, holder.get().exitCode);
   EXPECT_THAT(LockFiles(), IsEmpty());
-  ChildResult after = RunTool({"islocked", dir_.path()});
-  EXPECT_EQ(1, after.exitCode) << after.output;
-  EXPECT_EQ("not locked\n", after.output);
+  ExpectRuns({{{"islocked", dir_.path()}, 1, "not locked\n"}});
 }
 
 // A holder killed with SIGKILL cannot release anything: its command must
@@ -86,7 +77,7 @@ TEST_F(LockCommand, AHolderLocksOutOthersUntilItsCommandEnds) {
 // command's standard output.
 TEST_F(LockCommand, AKilledHolderTakesItsCommandWithIt) {
   const char* script = R"sh(
-    pidfile=$2/command.pid
+    pidfile=$1/command.pid
     "$0" lock "$1" -- sh -c 'echo $$ > "$0"; exec sleep 100' "$pidfile" &
     holder=$!
     i=0
@@ -101,73 +92,51 @@ TEST_F(LockCommand, AKilledHolderTakesItsCommandWithIt) {
     done
     "$0" lock "$1" -n -- echo next 2>/dev/null
   )sh";
-  std::filesystem::create_directory(Path("index"));
-  const ChildResult run =
-      RunChild({"/bin/sh", "-c", script, BuiltProgram("tools/idxbase"), Path("index"), dir_.path()},
-               {{"PATH", "/usr/bin:/bin"}});
+  const ChildResult run = RunShell(script, {dir_.path()});
   EXPECT_EQ(0, run.exitCode) << run.output;
   EXPECT_EQ("next\n", run.output);
 }
 
-TEST_F(LockCommand, ReturnsTheCommandsStatusAndReleasesTheLock) {
-  const struct {
-    std::vector<std::string> command;
-    int exitCode;
-  } cases[] = {
-      {{"true"}, 0},
-      {{"sh", "-c", "exit 7"}, 7},
-      {{"sh", "-c", "kill -TERM $$"}, 128 + 15},
-  };
-  for (const auto& c : cases) {
-    std::vector<std::string> arguments = {"lock", dir_.path(), "--"};
-    arguments.insert(arguments.end(), c.command.begin(), c.command.end());
-    ChildResult run = RunTool(arguments);
-    EXPECT_EQ(c.exitCode, run.exitCode) << c.command.back() << ": " << run.output;
-    EXPECT_THAT(LockFiles(), IsEmpty()) << c.command.back();
-  }
-  // Arguments after "--" belong to the command, options included.
-  EXPECT_EQ("--owner x\n", RunTool({"lock", dir_.path(), "--", "echo", "--owner", "x"}).output);
-}
-
-TEST_F(LockCommand, ReportsWhatCannotBeRunOrLocked) {
-  ChildResult missing = RunTool({"lock", dir_.path(), "--", "no-such-command-here"});
-  EXPECT_EQ(127, missing.exitCode) << missing.output;
-  EXPECT_THAT(missing.output, HasSubstr("idxbase lock: cannot run 'no-such-command-here': "));
-  EXPECT_THAT(LockFiles(), IsEmpty());
-
+// The command's status, or why it cannot be run or locked, or why the
+// arguments are not understood; the lock is released whatever happens.
+// Arguments after "--" belong to the command, options included.
+TEST_F(LockCommand, ReturnsTheCommandsStatusOrSaysWhyNot) {
+  const std::string dir = dir_.path();
   const std::string nowhere = Path("nowhere");
-  ChildResult noDirectory = RunTool({"lock", nowhere, "--", "true"});
-  EXPECT_EQ(1, noDirectory.exitCode) << noDirectory.output;
-  EXPECT_EQ("idxbase lock: " + nowhere + ": No such file or directory\n", noDirectory.output);
-
-  ChildResult query = RunTool({"islocked", nowhere});
-  EXPECT_EQ(2, query.exitCode) << query.output;
-  EXPECT_EQ("idxbase islocked: " + nowhere + ": No such file or directory\n", query.output);
-}
-
-TEST_F(LockCommand, UsageErrors) {
-  const std::vector<std::string> cases[] = {
-      {"lock"},
-      {"lock", dir_.path()},
-      {"lock", dir_.path(), "true"},
-      {"lock", dir_.path(), "--"},
-      {"lock", dir_.path(), "--owner", "12x", "--", "true"},
-      {"lock", dir_.path(), "--owner", "99999999999", "--", "true"},
-      {"lock", dir_.path(), "--owner"},
-      {"lock", dir_.path(), "--owner", "-1", "--", "true"},
-      {"lock", dir_.path(), "--wait", "soon", "--", "true"},
-      {"lock", dir_.path(), "-n", "--wait", "1", "--", "true"},
-      {"islocked"},
-      {"islocked", dir_.path(), dir_.path()},
-      {"islocked", dir_.path(), "--owner", ""},
-      {"islocked", dir_.path(), "--loud"},
+  std::vector<ToolRun> runs = {
+      {{"lock", dir, "--", "true"}, 0, ""},
+      {{"lock", dir, "--", "sh", "-c", "exit 7"}, 7, ""},
+      {{"lock", dir, "--", "sh", "-c", "kill -TERM $$"}, 128 + 15, ""},
+      {{"lock", dir, "--", "echo", "--owner", "x"}, 0, "--owner x\n"},
+      {{"lock", dir, "--", "no-such-command-here"},
+       127,
+       HasSubstr("idxbase lock: cannot run 'no-such-command-here': ")},
+      {{"lock", nowhere, "--", "true"},
+       1,
+       "idxbase lock: " + nowhere + ": No such file or directory\n"},
+      {{"islocked", nowhere}, 2, "idxbase islocked: " + nowhere + ": No such file or directory\n"},
   };
-  for (const auto& arguments : cases) {
-    ChildResult run = RunTool(arguments);
-    EXPECT_EQ(2, run.exitCode) << arguments.back() << ": " << run.output;
-    EXPECT_THAT(run.output, HasSubstr("idxbase " + arguments[0] + ": "));
-    EXPECT_THAT(run.output, HasSubstr("usage: idxbase " + arguments[0] + " DIR"));
+  const std::vector<std::string> usageErrors[] = {
+      {"lock"},
+      {"lock", dir},
+      {"lock", dir, "true"},
+      {"lock", dir, "--"},
+      {"lock", dir, "--owner", "12x", "--", "true"},
+      {"lock", dir, "--owner"},
+      {"lock", dir, "--owner", "-1", "--", "true"},
+      {"lock", dir, "--wait", "soon", "--", "true"},
+      {"lock", dir, "-n", "--wait", "1", "--", "true"},
+      {"islocked"},
+      {"islocked", dir, dir},
+      {"islocked", dir, "--owner", ""},
+      {"islocked", dir, "--loud"},
+  };
+  for (const auto& arguments : usageErrors) {
+    runs.push_back({arguments, 2,
+                    AllOf(HasSubstr("idxbase " + arguments[0] + ": "),
+                          HasSubstr("usage: idxbase " + arguments[0] + " DIR"))});
   }
+  ExpectRuns(runs);
   EXPECT_THAT(LockFiles(), IsEmpty());
 }
 

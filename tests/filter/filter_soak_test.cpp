@@ -20,6 +20,7 @@
 #include <string>
 #include <vector>
 
+#include "filter_test_support.h"
 #include "idxbase/filter_attributes.h"
 #include "idxbase/filter_expressions.h"
 #include "random_filters.h"
@@ -56,14 +57,8 @@ class Reference {
       : record_(record), caseSensitive_(caseSensitive), output_(output) {}
 
   KORStatus Eval(const Expr& e) {
-    switch (e->kind) {
-      case ExprModel::kNA:
-        return U;
-      case ExprModel::kComposed:
-        return EvalComposed(*e);
-      default:
-        return EvalBasic(*e);
-    }
+    if (e->kind == ExprModel::kNA) return U;
+    return e->kind == ExprModel::kComposed ? EvalComposed(*e) : EvalBasic(*e);
   }
 
  private:
@@ -97,20 +92,13 @@ class Reference {
   // and attributes answer only in their own type, the user string only as
   // a string and only while its variable is set.
   std::optional<Value> Read(const OperandModel& o, Type type) const {
-    Value v;
     switch (o.kind) {
       case OperandModel::kConst:
         if (o.type != type) return std::nullopt;
-        v.i = o.i;
-        v.f = o.f;
-        v.b = o.b;
-        v.s = Text{o.s, static_cast<int>(o.s.size())};
-        v.t = o.t;
-        return v;
+        return Value{o.i, o.f, o.b, Text{o.s, static_cast<int>(o.s.size())}, o.t};
       case OperandModel::kUser:
         if (type != Type::kString || !record_.user) return std::nullopt;
-        v.s = Text{*record_.user, static_cast<int>(record_.user->size())};
-        return v;
+        return Value{0, 0, false, Text{*record_.user, static_cast<int>(record_.user->size())}, {}};
       case OperandModel::kAttribute:
         return o.naAttribute || o.type != type ? std::nullopt : ReadAttribute(o.attribute, type);
       default:
@@ -129,98 +117,76 @@ class Reference {
     return present ? std::optional<Value>(v) : std::nullopt;
   }
 
-  // How a compares with b in `type`. Floats compare as IEEE values, so a
-  // NaN is neither lower, higher nor equal; strings through their
-  // ordering; times by their full value.
-  struct Relation {
-    bool lower = false;
-    bool higher = false;
-    bool equal = false;
-  };
+  // How a compares with b in `type`: -1 (lower), 0 (equal), 1 (higher) or
+  // 2 (unordered). Floats compare as IEEE values, so a NaN is unordered
+  // with everything; booleans are equal or unordered; strings compare
+  // through their ordering; times by their full value.
   template <class T>
-  static Relation Relate(const T& a, const T& b) {
-    return Relation{a<b, a> b, a == b};
+  static int Order(const T& a, const T& b) {
+    return a < b ? -1 : a > b ? 1 : a == b ? 0 : 2;
   }
-  Relation Relate(Type type, const Value& a, const Value& b) const {
+  int Order(Type type, const Value& a, const Value& b) const {
     switch (type) {
       case Type::kInt:
-        return Relate(a.i, b.i);
+        return Order(a.i, b.i);
       case Type::kFloat:
-        return Relate(a.f, b.f);
+        return Order(a.f, b.f);
       case Type::kBool:
-        return Relation{false, false, a.b == b.b};
+        return a.b == b.b ? 0 : 2;
       case Type::kString:
-        return Relate(idxbase_test::ReferenceCompare(caseSensitive_, a.s.length, a.s.bytes.data(),
-                                                     b.s.length, b.s.bytes.data()),
-                      0);
+        return Order(ReferenceCompare(caseSensitive_, a.s.length, a.s.bytes.data(), b.s.length,
+                                      b.s.bytes.data()),
+                     0);
       case Type::kTime:
-        return Relate(a.t.Order(), b.t.Order());
+        return Order(a.t.Order(), b.t.Order());
     }
-    return {};
+    return 2;
   }
 
   // Equality; times are equal on the same calendar day.
   bool Same(Type type, const Value& a, const Value& b) const {
     if (type == Type::kTime) return a.t.day == b.t.day;
-    return Relate(type, a, b).equal;
+    return Order(type, a, b) == 0;
   }
 
   static KORStatus Decide(bool holds) { return holds ? H : D; }
 
   KORStatus EvalBasic(const ExprModel& e) {
-    const OperatorMeaning meaning = MeaningOf(e.op);
-    switch (meaning.comparison) {
-      case Comparison::kNone:
-        output_ += kNoEvaluation;
-        return U;
-      case Comparison::kUnsupported:
-        return U;
-      case Comparison::kIn:
-        return EvalIn(e, meaning.type);
-      case Comparison::kDifferent:
-        if (meaning.type == Type::kTime) {
-          // Holds unless the equality holds: also when it is undecidable.
-          ExprModel equal = e;
-          equal.op = IDX_Filter_Op_EqualTime;
-          return EvalBasic(equal) == H ? D : H;
-        }
-        break;
-      default:
-        break;
+    using C = Comparison;
+    const C comparison = MeaningOf(e.op).comparison;
+    const Type type = MeaningOf(e.op).type;
+    if (comparison == C::kNone) {
+      output_ += kNoEvaluation;
+      return U;
     }
-    const Type type = meaning.type;
+    if (comparison == C::kUnsupported) return U;
+    if (comparison == C::kIn) return EvalIn(e, type);
+    if (comparison == C::kDifferent && type == Type::kTime) {
+      // Holds unless the equality holds: also when it is undecidable.
+      ExprModel equal = e;
+      equal.op = IDX_Filter_Op_EqualTime;
+      return EvalBasic(equal) == H ? D : H;
+    }
     const std::optional<Value> a = Read(e.operands[0], type);
     if (!a) return U;
     const std::optional<Value> b = Read(e.operands[1], type);
     if (!b) return U;
-    const Relation ab = Relate(type, *a, *b);
-    switch (meaning.comparison) {
-      case Comparison::kEqual:
-        return Decide(Same(type, *a, *b));
-      case Comparison::kDifferent:
-        return Decide(!Same(type, *a, *b));
-      case Comparison::kLower:
-        return Decide(ab.lower);
-      case Comparison::kLowerEq:
-        return Decide(ab.lower || ab.equal);
-      case Comparison::kHigher:
-        return Decide(ab.higher);
-      case Comparison::kHigherEq:
-        return Decide(ab.higher || ab.equal);
-      case Comparison::kLike:
-      case Comparison::kNotLike: {
-        const bool matches =
-            idxbase_test::ReferenceLike(caseSensitive_, a->s.length, a->s.bytes.data(), b->s.length,
-                                        b->s.bytes.data()) == 0;
-        return Decide(matches == (meaning.comparison == Comparison::kLike));
-      }
-      default:
-        break;
+    const int order = Order(type, *a, *b);
+    if (comparison == C::kEqual) return Decide(Same(type, *a, *b));
+    if (comparison == C::kDifferent) return Decide(!Same(type, *a, *b));
+    if (comparison == C::kLower) return Decide(order == -1);
+    if (comparison == C::kLowerEq) return Decide(order == -1 || order == 0);
+    if (comparison == C::kHigher) return Decide(order == 1);
+    if (comparison == C::kHigherEq) return Decide(order == 0 || order == 1);
+    if (comparison == C::kLike || comparison == C::kNotLike) {
+      const bool matches = ReferenceLike(caseSensitive_, a->s.length, a->s.bytes.data(),
+                                         b->s.length, b->s.bytes.data()) == 0;
+      return Decide(matches == (comparison == C::kLike));
     }
     // Between: both bounds inclusive, and a NaN is out of neither.
     const std::optional<Value> hi = Read(e.operands[2], type);
     if (!hi) return U;
-    return Decide(!ab.lower && !Relate(type, *a, *hi).higher);
+    return Decide(order != -1 && Order(type, *a, *hi) != 1);
   }
 
   // The subject, then the set's elements in order: a null element or one
@@ -270,9 +236,7 @@ class ReferenceCompiler {
  private:
   static bool IsNA(const Expr& e) { return e && e->kind == ExprModel::kNA; }
   static Expr NA() {
-    auto na = std::make_shared<ExprModel>();
-    na->kind = ExprModel::kNA;
-    return na;
+    return std::make_shared<ExprModel>(ExprModel{ExprModel::kNA, 0, {}, nullptr, nullptr});
   }
 
   // A comparison over an NA operand (the NA operand, or an attribute of
@@ -299,32 +263,28 @@ class ReferenceCompiler {
 
 class RecordReader : public BBDIAttributeRead {
  public:
-  void Use(const Record& record) { record_ = &record; }
+  const Record* record = nullptr;
 
   int ReadInt(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
-    return Deliver(At(pair).i, value);
+    return Deliver(At(pair).i, [&](int i) { value = i; });
   }
   int ReadFloat(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
                 float& value) override {
-    return Deliver(At(pair).f, value);
+    return Deliver(At(pair).f, [&](float f) { value = f; });
   }
   int ReadString(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, const char*& value,
                  int& length) override {
-    const std::optional<Text>& text = At(pair).s;
-    if (!text) return 0;
-    value = text->bytes.data();
-    length = text->length;
-    return 1;
+    return Deliver(At(pair).s, [&](const Text& text) {
+      value = text.bytes.data();
+      length = text.length;
+    });
   }
   int ReadTime(const BBDOccurrence&, unsigned int, AttributeTypePair* pair,
                KORTime& value) override {
-    const std::optional<Moment>& moment = At(pair).t;
-    if (!moment) return 0;
-    value = moment->ToKORTime();
-    return 1;
+    return Deliver(At(pair).t, [&](const Moment& moment) { value = moment.ToKORTime(); });
   }
   int ReadBool(const BBDOccurrence&, unsigned int, AttributeTypePair* pair, int& value) override {
-    return Deliver(At(pair).b, value);
+    return Deliver(At(pair).b, [&](int b) { value = b; });
   }
   int IsOfType(const BBDOccurrence&, unsigned int, BBDTypeInfo*, int&) override { return 0; }
   AttributeTypePair ResolvePair(const char*, int, unsigned int) override { return {}; }
@@ -332,23 +292,16 @@ class RecordReader : public BBDIAttributeRead {
 
  private:
   const Attribute& At(const AttributeTypePair* pair) const {
-    return record_->attributes[pair->GetAttribute()];
+    return record->attributes[pair->GetAttribute()];
   }
-  template <class T>
-  static int Deliver(const std::optional<T>& source, T& value) {
+  // Hands a present value to `give` and returns 1, or returns 0.
+  template <class T, class Give>
+  static int Deliver(const std::optional<T>& source, Give give) {
     if (!source) return 0;
-    value = *source;
+    give(*source);
     return 1;
   }
-
-  const Record* record_ = nullptr;
 };
-
-std::string Rendering(BBDExpression* e) {
-  KORUnicodeString text;
-  if (e != nullptr) e->toString(text);
-  return text.ConvertToChar();
-}
 
 std::string RecordText(const Record& record) {
   std::string text;
@@ -391,7 +344,7 @@ TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
       for (int r = 0; r < kRecordsPerTree && mismatches < 5; ++r) {
         const Record record = generator.MakeRecord();
         const bool caseSensitive = generator.Chance(50);
-        reader.Use(record);
+        reader.record = &record;
         userVariable = record.user ? record.user->c_str() : nullptr;
         // A tree that compiled to nothing has no answer; its model must be
         // nothing too.
@@ -409,8 +362,9 @@ TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
           ++mismatches;
           // Reported once standard output is back: gtest writes there.
           reports.push_back(::testing::Message()
-                            << "tree " << Rendering(copy.get()) << "\ncompiled "
-                            << Rendering(compiled) << "\nrecord " << RecordText(record)
+                            << "tree " << Rendered(*copy) << "\ncompiled "
+                            << (compiled ? Rendered(*compiled) : "nothing") << "\nrecord "
+                            << RecordText(record)
                             << (caseSensitive ? " case sensitive" : " case insensitive")
                             << "\ncompiled: " << gotCompiled << " expected " << wantCompiled
                             << "\nuncompiled copy: " << gotCopy << " expected " << wantCopy);
@@ -419,17 +373,13 @@ TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
     }
     const std::string output = capture.Finish();
     for (const ::testing::Message& report : reports) ADD_FAILURE() << report;
-    if (output != expectedOutput) {
-      const std::size_t at =
-          std::mismatch(output.begin(), output.end(), expectedOutput.begin(), expectedOutput.end())
-              .first -
-          output.begin();
-      ADD_FAILURE() << "standard output differs at byte " << at << " of " << output.size()
-                    << " (expected " << expectedOutput.size() << "): got \""
-                    << output.substr(at, 80) << "\" expected \"" << expectedOutput.substr(at, 80)
-                    << "\"";
-      break;
-    }
+    // Where standard output first differs, and what follows.
+    const std::size_t at =
+        std::mismatch(output.begin(), output.end(), expectedOutput.begin(), expectedOutput.end())
+            .first -
+        output.begin();
+    ASSERT_EQ(output.substr(at, 80), expectedOutput.substr(at, 80))
+        << "standard output from byte " << at << " of " << output.size();
   }
   std::printf("filter soak: %d evaluations (holds %d, does not hold %d, undecidable %d per copy)\n",
               done, results[0], results[1], results[2]);

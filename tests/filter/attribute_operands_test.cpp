@@ -16,7 +16,7 @@ namespace {
 using idxbase_test::FakeOccurrence;
 using idxbase_test::kReadTypes;
 using idxbase_test::MockAttributeReader;
-using idxbase_test::Printed;
+using idxbase_test::OutputOf;
 using idxbase_test::ReadAs;
 using idxbase_test::ReadOutcome;
 using idxbase_test::Rendered;
@@ -153,7 +153,7 @@ TEST(AttributeOperand, Rendering) {
   EXPECT_EQ("ErrorBBDoperandAttributeToString", Rendered(neither));
   BBDOperandMultiTypeClient client(Path({}), KORUnicodeString("size"), IDX_Filter_Type_Int);
   EXPECT_EQ("BBDOperandMultiTypeClient", Rendered(client));
-  EXPECT_EQ("<todoType.3><todoType.-1>", Printed([] {
+  EXPECT_EQ("<todoType.3><todoType.-1>", OutputOf([] {
               AttributeTypePair(3, 12).print();
               AttributeTypePair().print();
             }));
@@ -317,7 +317,7 @@ TEST(MultiTypeClient, UnresolvedNameFailsAStringRead) {
   EXPECT_CALL(reader, ResolveStringPair(_, 5, _)).WillOnce(Return(AttributeTypePair(-1, 4)));
   ReadOutcome outcome{};
   EXPECT_EQ("ERROR : null pair\n",
-            Printed([&] { outcome = ReadAs(op, IDX_Filter_Type_String, occurrence, 1, reader); }));
+            OutputOf([&] { outcome = ReadAs(op, IDX_Filter_Type_String, occurrence, 1, reader); }));
   EXPECT_EQ(KOR_E_FAIL, outcome.status);
   EXPECT_TRUE(outcome.kept);
 }
@@ -345,7 +345,7 @@ TEST(MultiTypeNoCompiled, RendersNamesAndNeverReads) {
   BBDOperand* compiled = new BBDOperandMultiTypeNoCompiled(names, "x", IDX_Filter_Type_Int);
   BBDOperand* const before = compiled;
   EXPECT_EQ("BBDOperandMultiTypeNoCompiled::Compile not implemented or not tested\n",
-            Printed([&] { BBDOperand::Compile(compiled); }));
+            OutputOf([&] { BBDOperand::Compile(compiled); }));
   EXPECT_EQ(before, compiled);
   EXPECT_EQ("A.B.x", Rendered(*compiled));
   delete compiled;

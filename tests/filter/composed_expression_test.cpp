@@ -19,7 +19,7 @@ constexpr KORStatus D = IDX_FILTER_DOES_NOT;
 constexpr KORStatus U = IDX_FILTER_UNDECIDABLE;
 constexpr const char* kNullOperand = "Warning : null operand in BBDBasicExpression::Compile()\n";
 
-using idxbase_test::Printed;
+using idxbase_test::OutputOf;
 using idxbase_test::Rendered;
 
 // The operands of these tests never consult the reader.
@@ -161,7 +161,7 @@ TEST(CompileExpression, ComparisonsFoldOnlyOverAnUnavailableOperand) {
     BBDExpression* root =
         new BBDBasicExpression(IDX_Filter_Op_BetweenInt, operands[0], operands[1], operands[2]);
     BBDExpression* const original = root;
-    EXPECT_EQ(row.output, Printed([&] { BBDExpression::Compile(root); }));
+    EXPECT_EQ(row.output, OutputOf([&] { BBDExpression::Compile(root); }));
     if (row.folds) {
       EXPECT_EQ("NAExpression", Text(root));
     } else {

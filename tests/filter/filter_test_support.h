@@ -93,14 +93,6 @@ std::string Rendered(T& item, const char* initial = "") {
   return text.ConvertToChar();
 }
 
-// What `write` prints to standard output.
-template <class F>
-std::string Printed(F&& write) {
-  StdoutCapture capture;
-  write();
-  return capture.Finish();
-}
-
 }  // namespace idxbase_test
 
 #endif  // IDXBASE_TESTS_FILTER_FILTER_TEST_SUPPORT_H_

@@ -16,7 +16,7 @@ namespace {
 using idxbase_test::FakeOccurrence;
 using idxbase_test::kReadTypes;
 using idxbase_test::MockAttributeReader;
-using idxbase_test::Printed;
+using idxbase_test::OutputOf;
 using idxbase_test::ReadAs;
 using idxbase_test::ReadOutcome;
 using idxbase_test::Rendered;
@@ -116,7 +116,7 @@ TEST(Operands, KindsReadsRenderingAndCompile) {
     EXPECT_EQ(expected, SucceedingReads(*op));
     EXPECT_EQ(c.rendering, Rendered(*op));
     if (c.valueType != IDX_Filter_Type_Set) {
-      EXPECT_EQ(c.rendering, Printed([&] { op->print(); })) << "print writes the rendering";
+      EXPECT_EQ(c.rendering, OutputOf([&] { op->print(); })) << "print writes the rendering";
     }
   }
 }
@@ -175,7 +175,7 @@ TEST(Operands, StringConstantAssignmentCopiesTheBytes) {
 TEST(OperandSet, AppendPrintAndGetValSet) {
   BBDOperandSet empty;
   EXPECT_EQ(0, empty.Size());
-  EXPECT_EQ("{ }", Printed([&] { empty.print(); }));
+  EXPECT_EQ("{ }", OutputOf([&] { empty.print(); }));
 
   BBDOperand* abc = new BBDOperandStringConst(Malloced("abc"));
   BBDOperand* real = new BBDOperandFloatConst(1.5f);
@@ -185,7 +185,7 @@ TEST(OperandSet, AppendPrintAndGetValSet) {
   EXPECT_EQ(3, set.Append(nullptr));
   EXPECT_EQ(4, set.Append(real));
   EXPECT_EQ(4, set.Size());
-  EXPECT_EQ("{ \"abc\" 1.500000000 }", Printed([&] { set.print(); }));
+  EXPECT_EQ("{ \"abc\" 1.500000000 }", OutputOf([&] { set.print(); }));
 
   Context r;
   BBDOperandIntConst outsider(0);

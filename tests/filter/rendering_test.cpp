@@ -11,7 +11,7 @@
 
 namespace {
 
-using idxbase_test::Printed;
+using idxbase_test::OutputOf;
 using idxbase_test::Rendered;
 
 BBDOperand* Int(int v) { return new BBDOperandIntConst(v); }
@@ -84,7 +84,7 @@ TEST(RenderExpression, TreesRenderAndPrintWithoutLineEnd) {
   };
   for (const auto& c : cases) {
     EXPECT_EQ(c.expected, Rendered(*c.tree));
-    EXPECT_EQ(c.expected, Printed([&] { c.tree->print(); }));
+    EXPECT_EQ(c.expected, OutputOf([&] { c.tree->print(); }));
     delete c.tree;
   }
 }

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -37,11 +36,6 @@ std::string ToHex(const unsigned char digest[16], const char* digits = "01234567
   return text;
 }
 
-std::string Uppercase(std::string text) {
-  for (char& c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
-
 // Our digest of `data`, given to MD5Update in pieces of the given sizes
 // and then the rest.
 std::string Digest(const std::string& data, const std::vector<std::size_t>& pieces = {}) {
@@ -58,13 +52,13 @@ std::string Digest(const std::string& data, const std::vector<std::size_t>& piec
   return ToHex(digest);
 }
 
-std::string OpenSslDigest(const std::string& data) {
+std::string OpenSslDigest(const std::string& data, const char* digits = "0123456789abcdef") {
   unsigned char digest[16];
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"
   MD5(Bytes(data), data.size(), digest);
 #pragma GCC diagnostic pop
-  return ToHex(digest);
+  return ToHex(digest, digits);
 }
 
 std::string RandomBytes(std::mt19937& random, std::size_t size) {
@@ -170,54 +164,43 @@ TEST_F(ChecksumTest, WritesThe32UpperCaseDigitsOfTheDigest) {
     const std::string path = dir_.Join("IndexAttribute" + std::to_string(size));
     const std::string data = RandomBytes(random, size);
     idxbase_test::WriteFile(path, data);
-    // The file replaced keeps its mode and, as root, its owner and group.
+    // The file replaced keeps its mode, its owner and its group (another
+    // user's when we are root).
     const std::string sum = path + ".checksum";
     idxbase_test::WriteFile(sum, std::string(100, 'x'));
+    const uid_t owner = geteuid() == 0 ? 4321 : geteuid();
+    const gid_t group = geteuid() == 0 ? 4322 : getegid();
     ASSERT_EQ(0, chmod(sum.c_str(), 0640));
-    const bool root = geteuid() == 0;
-    if (root) {
-      ASSERT_EQ(0, chown(sum.c_str(), 4321, 4322));
-    }
+    ASSERT_EQ(0, chown(sum.c_str(), owner, group));
     EXPECT_EQ("", Compute(path, KOR_S_OK));
-    EXPECT_EQ(Uppercase(OpenSslDigest(data)), ReadFile(sum)) << size;
+    EXPECT_EQ(OpenSslDigest(data, "0123456789ABCDEF"), ReadFile(sum)) << size;
     struct stat status {};
     ASSERT_EQ(0, stat(sum.c_str(), &status));
     EXPECT_EQ(0640u, status.st_mode & 07777);
-    if (root) {
-      EXPECT_EQ(std::make_pair(4321u, 4322u), std::make_pair(status.st_uid, status.st_gid));
-    }
+    EXPECT_EQ(std::make_pair(owner, group), std::make_pair(status.st_uid, status.st_gid));
   }
-  EXPECT_EQ("D41D8CD98F00B204E9800998ECF8427E", ReadFile(dir_.Join("IndexAttribute0.checksum")));
 }
 
-TEST_F(ChecksumTest, MissingInputLeavesAnEmptyChecksumFile) {
-  const std::string path = dir_.Join("missing");
-  EXPECT_EQ("ComputeCheckSum Cannot open " + path + " in read mode\n", Compute(path, KOR_E_FAIL));
-  EXPECT_TRUE(idxbase_test::FileExists(path + ".checksum"));
-  EXPECT_EQ("", ReadFile(path + ".checksum"));
-}
-
-TEST_F(ChecksumTest, UncreatableChecksumFileFails) {
-  const std::string path = dir_.Join("missing/IndexAttribute");
-  EXPECT_EQ("ComputeCheckSum Cannot open " + path + ".checksum in write mode\n",
-            Compute(path, KOR_E_FAIL));
-}
-
-// A write that fails (the device is full) is a failure, without a message.
-TEST_F(ChecksumTest, AFailedWriteFails) {
-  const std::string path = dir_.Join("IndexAttribute");
-  idxbase_test::WriteFile(path, "abc");
-  std::filesystem::create_symlink("/dev/full", path + ".checksum");
-  EXPECT_EQ("", Compute(path, KOR_E_FAIL));
-}
-
-// A directory opens for reading but fails at the first read: the digest of
-// the bytes read so far, none, is written.
-TEST_F(ChecksumTest, ReadErrorEndsTheDigest) {
-  const std::string path = dir_.Join("directory");
-  std::filesystem::create_directory(path);
-  EXPECT_EQ("", Compute(path, KOR_S_OK));
-  EXPECT_EQ("D41D8CD98F00B204E9800998ECF8427E", ReadFile(path + ".checksum"));
+// A missing input still leaves an empty checksum file; a write that fails
+// (the device is full) has no message; a directory opens for reading but
+// fails at the first read, which ends the digest: that of no bytes.
+TEST_F(ChecksumTest, FailuresAndTheirMessages) {
+  const std::string missing = dir_.Join("missing");
+  EXPECT_EQ("ComputeCheckSum Cannot open " + missing + " in read mode\n",
+            Compute(missing, KOR_E_FAIL));
+  EXPECT_TRUE(idxbase_test::FileExists(missing + ".checksum"));
+  EXPECT_EQ("", ReadFile(missing + ".checksum"));
+  const std::string unwritable = missing + "/IndexAttribute";
+  EXPECT_EQ("ComputeCheckSum Cannot open " + unwritable + ".checksum in write mode\n",
+            Compute(unwritable, KOR_E_FAIL));
+  const std::string full = dir_.Join("IndexAttribute");
+  idxbase_test::WriteFile(full, "abc");
+  std::filesystem::create_symlink("/dev/full", full + ".checksum");
+  EXPECT_EQ("", Compute(full, KOR_E_FAIL));
+  const std::string directory = dir_.Join("directory");
+  std::filesystem::create_directory(directory);
+  EXPECT_EQ("", Compute(directory, KOR_S_OK));
+  EXPECT_EQ("D41D8CD98F00B204E9800998ECF8427E", ReadFile(directory + ".checksum"));
 }
 
 }  // namespace

@@ -27,7 +27,11 @@ std::string Show(Number value) {
   return std::to_string(value);
 }
 std::string Show(const char* text) { return text == nullptr ? "(null)" : text; }
-std::string Show(const KORUnicodeString& text) { return text.ConvertToChar(); }
+// Several values, separated by spaces.
+template <class First, class... Rest>
+std::string Show(const First& first, const Rest&... rest) {
+  return Show(first) + ((" " + Show(rest)) + ...);
+}
 
 class DevFlags : public ::testing::Test {
  protected:
@@ -57,7 +61,7 @@ class DevFlags : public ::testing::Test {
   }
 };
 
-#define READ(expression) [] { return Show(expression); }
+#define READ(...) [] { return Show(__VA_ARGS__); }
 
 TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
   const struct {
@@ -65,20 +69,18 @@ TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
     std::string (*read)();
     const char* expected;
   } kCases[] = {
-      // Nothing defined: the defaults.
-      {"", READ(F::_FastCV && F::_FastCVWrap && F::_FastCVNames && F::_FastCVRootIds), "true"},
-      {"", READ(F::_Log2CV || F::EvalAllAtMaybe() || F::IsRTreeBuildActive()), "false"},
-      {"", READ(F::UseVLMSimplified() && F::DWHIndexing() && F::AdvancedMigration()), "true"},
-      {"", READ(F::IsIndexTextOnly() && F::ForcePostProcRep()), "true"},
-      {"", READ(F::KeepGeneration()), "-1"},
-      {"", READ(F::RecoverInstanceSeconds()), "7200"},
-      {"", READ(F::MaxMemorySizeForBuilderInMB()), "7000"},
-      {"", READ(F::MaxMemorySizeForAllBuildersinMB()), "196000"},
-      {"", READ(F::QueryTimerMilliSecond()), "0"},
-      {"", READ(F::GetPersistantConfigCacheDir()), ""},
-      {"", READ(F::RunWithCVServlet()), "true"},
-      {"", READ(F::dontKillOrpheanBuilders() || F::isPlmIndexInProcess()), "false"},
-      {"", READ(F::getKORIndexStoragePath()), "(null)"},
+      // Nothing defined: the defaults (GetPersistantConfigCacheDir() and
+      // KeepGeneration() in DevFlagsAtLoad).
+      {"",
+       READ(F::_FastCV && F::_FastCVWrap && F::_FastCVNames && F::_FastCVRootIds &&
+                F::UseVLMSimplified() && F::DWHIndexing() && F::AdvancedMigration() &&
+                F::IsIndexTextOnly() && F::ForcePostProcRep() && F::RunWithCVServlet(),
+            F::_Log2CV || F::EvalAllAtMaybe() || F::IsRTreeBuildActive() ||
+                F::dontKillOrpheanBuilders() || F::isPlmIndexInProcess(),
+            F::RecoverInstanceSeconds(), F::MaxMemorySizeForBuilderInMB(),
+            F::MaxMemorySizeForAllBuildersinMB(), F::QueryTimerMilliSecond(),
+            F::getKORIndexStoragePath()),
+       "true false 7200 7000 196000 0 (null)"},
       // Switches: only the exact words FALSE, NO and 0 turn one off.
       {"IDXFastCV=FALSE", READ(F::_FastCV), "false"},
       {"IDXFastCV=NO", READ(F::_FastCV), "false"},
@@ -90,52 +92,43 @@ TEST_F(DevFlags, ReadTheEnvironmentByEachFlagsRule) {
       {"IDXFastCV=", READ(F::_FastCV), "true"},
       {"IDXFastCVWrap=0;IDXFastCVNames=0;IDXFastCVRootIds=0;IDXFastCVBBoxes=NO",
        READ(F::_FastCVWrap || F::_FastCVNames || F::_FastCVRootIds || F::_FastCVBBoxes), "false"},
-      {"IDXLog2CV=1", READ(F::_Log2CV), "true"},
-      {"IDXLog2CV=FALSE", READ(F::_Log2CV), "false"},
-      {"IDXLog2CVPerfo=;IDXForceOctreeWithThbOnly=yes",
-       READ(F::_Log2CVPerfo && F::_ForceOctreeWithThbOnly), "true"},
+      {"IDXLog2CV=1;IDXLog2CVPerfo=;IDXForceOctreeWithThbOnly=yes",
+       READ(F::_Log2CV && F::_Log2CVPerfo && F::_ForceOctreeWithThbOnly), "true"},
       // Defined or not: any value counts, "0" and the empty value included.
-      {"IDXEvalAllAtMaybe=0", READ(F::EvalAllAtMaybe()), "true"},
-      {"IDXBuildRTree=;IDXDisableRTree=FALSE;IDXOldBBComputation=0;IDXNewSecu=NO",
-       READ(F::IsRTreeBuildActive() && F::IsRTreeDisabledRT() && F::_OldBBComputation &&
-            F::IsNewSecuEnabled()),
+      {"IDXEvalAllAtMaybe=0;IDXBuildRTree=;IDXDisableRTree=FALSE;IDXOldBBComputation=0;"
+       "IDXNewSecu=NO;IDXRecoverInstance=0;IDXKeepLocalTaskLog=;IDXIndexPrivateReps=0;"
+       "IDXUseDeleteLog=0;IDXSimilarBSFFilter=;KORQuillonCheckMemoryConsistency=;"
+       "IDXUseQuillonSecurityInsteadOfOCDX=;ReadableTimestampsForBBDMonitorFolders=1;"
+       "IDXConfigCacheDir=/c",
+       READ(F::EvalAllAtMaybe() && F::IsRTreeBuildActive() && F::IsRTreeDisabledRT() &&
+            F::_OldBBComputation && F::IsNewSecuEnabled() && F::IsRecoverInstance() &&
+            F::KeepLocalTaskLog() && F::IndexPrivateReps() && F::UseDeleteLog() &&
+            F::IsSimilarBSFFilter() && F::CheckMemoryConsistency() &&
+            F::IDXUseQuillonSecurityInsteadOfOCDX && F::ReadableTimeStampsForBBDMonitorFolders() &&
+            F::IsPersistantConfigCacheActive()),
        "true"},
-      {"IDXRecoverInstance=0;IDXKeepLocalTaskLog=0;IDXIndexPrivateReps=0;IDXUseDeleteLog=0",
-       READ(F::IsRecoverInstance() && F::KeepLocalTaskLog() && F::IndexPrivateReps() &&
-            F::UseDeleteLog()),
-       "true"},
-      {"IDXSimilarBSFFilter=;KORQuillonCheckMemoryConsistency=;IDXUseQuillonSecurityInsteadOfOCDX=",
-       READ(F::IsSimilarBSFFilter() && F::CheckMemoryConsistency() &&
-            F::IDXUseQuillonSecurityInsteadOfOCDX),
-       "true"},
-      {"ReadableTimestampsForBBDMonitorFolders=1",
-       READ(F::ReadableTimeStampsForBBDMonitorFolders()), "true"},
-      {"ReadableTimeStampsForBBDMonitorFolders=1",
-       READ(F::ReadableTimeStampsForBBDMonitorFolders()), "false"},
-      {"IDXConfigCacheDir=/var/cache/idx", READ(F::IsPersistantConfigCacheActive()), "true"},
-      {"IDXConfigCacheDir=/var/cache/idx", READ(F::GetPersistantConfigCacheDir()),
-       "/var/cache/idx"},
-      {"IDX_DO_NOT_USE_SimplifiedVLM=0;IDX_NO_INDEX_DWH=;NO_ADVANCED_MIGRATION=1",
-       READ(F::UseVLMSimplified() || F::DWHIndexing() || F::AdvancedMigration()), "false"},
-      {"IDXDisableTextOnly=1;IDXDisableForcePostProcRep=1",
-       READ(F::IsIndexTextOnly() || F::ForcePostProcRep()), "false"},
+      {"IDX_DO_NOT_USE_SimplifiedVLM=0;IDX_NO_INDEX_DWH=;NO_ADVANCED_MIGRATION=1;"
+       "IDXDisableTextOnly=1;IDXDisableForcePostProcRep=1",
+       READ(F::UseVLMSimplified() || F::DWHIndexing() || F::AdvancedMigration() ||
+            F::IsIndexTextOnly() || F::ForcePostProcRep()),
+       "false"},
       // Numbers (read as ParseInteger reads them): the two memory sizes share
-      // one variable; unsigned members wrap; the query timer is in seconds.
-      {"IDX_MaxMemorySizeForBuilderInMB=5000", READ(F::MaxMemorySizeForBuilderInMB()), "5000"},
-      {"IDX_MaxMemorySizeForBuilderInMB=5000", READ(F::MaxMemorySizeForAllBuildersinMB()), "5000"},
+      // one variable; unsigned members wrap; the query timer is in seconds,
+      // held in milliseconds modulo 2^32.
+      {"IDX_MaxMemorySizeForBuilderInMB=5000",
+       READ(F::MaxMemorySizeForBuilderInMB(), F::MaxMemorySizeForAllBuildersinMB()), "5000 5000"},
       {"IDX_MaxMemorySizeForBuilderInMB=-1", READ(F::MaxMemorySizeForBuilderInMB()), "4294967295"},
-      {"IDXQueryMaxDuration=30", READ(F::QueryTimerMilliSecond()), "30000"},
       {"IDXQueryMaxDuration=4294968", READ(F::QueryTimerMilliSecond()), "704"},
-      {"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs=250",
-       READ(F::DerivedObjectComputationTimeLimitForBuilderLogsInMs()), "250"},
-      {"IDXRecoverInstanceSecondsNumber=60", READ(F::RecoverInstanceSeconds()), "60"},
+      {"IDX_DerivedObjectComputationTimeLimitForBuilderLogsInMs=250;"
+       "IDXRecoverInstanceSecondsNumber=60",
+       READ(F::DerivedObjectComputationTimeLimitForBuilderLogsInMs(), F::RecoverInstanceSeconds()),
+       "250 60"},
       // The derived generation: the first variable wins only from 1 upwards.
       {"IDXKeepPreviousGeneration=0;KeepPreviousGeneration=3", READ(F::KeepGeneration()), "3"},
-      {"IDXKeepPreviousGeneration=1;KeepPreviousGeneration=9", READ(F::KeepGeneration()), "1"},
-      {"IDXKeepPreviousGeneration=2;KeepPreviousGeneration=9", READ(F::_KeepGeneration2), "9"},
-      {"IDXKeepPreviousGeneration=-5", READ(F::KeepGeneration()), "-1"},
-      {"IDXKeepPreviousGeneration=-5", READ(F::_KeepGeneration1), "-5"},
-      {"KeepPreviousGeneration=-7", READ(F::KeepGeneration()), "-7"},
+      {"IDXKeepPreviousGeneration=1;KeepPreviousGeneration=9",
+       READ(F::KeepGeneration(), F::_KeepGeneration2), "1 9"},
+      {"IDXKeepPreviousGeneration=-5;KeepPreviousGeneration=-7",
+       READ(F::KeepGeneration(), F::_KeepGeneration1), "-7 -5"},
       // Read at every call.
       {"IDXKeepPreviousGeneration=0;RUN_WITH_CVSERVLET=YES", READ(F::RunWithCVServlet()), "false"},
       {"RUN_WITH_CVSERVLET=NO", READ(F::RunWithCVServlet()), "false"},

@@ -1,25 +1,22 @@
-// A process that takes the lock of a directory, for the lock tests.
-//
-//   lock_contender hold <directory> <owner> <ready file>
-//     Takes the lock, creates <ready file>, and holds the lock until it is
-//     killed. Exits with 3 when the lock cannot be taken.
-//   lock_contender contend <directory> <owner> <count> <marker> <seconds>
-//     Takes and releases the lock <count> times, giving up after <seconds>,
-//     as owner <owner> * 10000 + the number of the attempt.
-//     While it holds the lock it places <marker> as below, keeps it for a
-//     while and removes it before unlocking: finding the marker already
-//     there means that another process holds the lock too. Prints
-//     "acquired <n> violations <v>"; exits with 1 when v > 0.
-//   lock_contender stress <directory> <owner> <marker>
-//     Takes and releases the lock until it is killed, as owner
-//     <owner> * 10000 + the number of the attempt, and reports on
-//     descriptor 3, one line per event, with CLOCK_MONOTONIC nanoseconds:
-//       acquired <pid> <lock owner> <hold milliseconds> <ns>
-//       violation <pid> <ns>     (the marker was already there)
-//       released <pid> <ns>
-//     While it holds the lock its marker holds its process id: it is
-//     linked into place, which fails when another holder's marker is
-//     there.
+// A process that takes and releases the lock of a directory, for the lock
+// tests:
+//   lock_contender <directory> <owner> <marker> <count> <seconds> <longest first pause>
+//                  <shortest hold> <longest hold> <longest pause> <report descriptor>
+// Pauses up to <longest first pause> milliseconds (so that contenders
+// started together do not all meet at once), then takes the lock <count>
+// times, giving up after <seconds>, as owner <owner> * 10000 + the number
+// of the attempt (modulo 10000): a file name that came back within another
+// process's 2-second wait would pass for the dead sequence it waits on.
+// Holds it a random number of milliseconds between the two holds and
+// pauses up to <longest pause> after each attempt.
+// While it holds the lock its marker holds its process id: it is linked
+// into place at <marker>, which fails when another holder's marker is
+// there. Reports on <report descriptor>, one line per event, with
+// CLOCK_MONOTONIC nanoseconds:
+//   acquired <pid> <lock owner> <hold milliseconds> <ns>
+//   violation <pid> <ns>     (the marker was already there)
+//   released <pid> <ns>
+// Exits with 1 after a violation, else 0.
 #include <fcntl.h>
 #include <time.h>
 #include <unistd.h>
@@ -27,7 +24,6 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <random>
 #include <string>
 
@@ -36,34 +32,24 @@
 
 namespace {
 
-int Hold(const char* directory, int owner, const char* readyFile) {
-  BBDLock lock;
-  if (lock.Lock(directory, owner) != KOR_S_OK) return 3;
-  const int ready = open(readyFile, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-  if (ready >= 0) close(ready);
-  for (;;) KORSleep(1000);
-}
+int reportTo = 1;
 
-long long MonotonicNanoseconds() {
+// One line; a pipe takes it whole (under PIPE_BUF bytes).
+void Report(const std::string& line) {
   timespec now{};
   clock_gettime(CLOCK_MONOTONIC, &now);
-  return static_cast<long long>(now.tv_sec) * 1000000000LL + now.tv_nsec;
-}
-
-// One line on descriptor 3; a pipe takes it whole (under PIPE_BUF bytes).
-void Report(const std::string& line) {
-  const std::string text = line + " " + std::to_string(MonotonicNanoseconds()) + "\n";
-  ssize_t ignored = write(3, text.data(), text.size());
+  const std::string text = line + " " + std::to_string(now.tv_sec * 1000000000LL + now.tv_nsec);
+  ssize_t ignored = write(reportTo, (text + "\n").data(), text.size() + 1);
   static_cast<void>(ignored);
 }
 
 // Puts a marker holding our process id at `marker`; false when one is
 // there already.
 bool PlaceMarker(const std::string& marker) {
-  const std::string mine = marker + "." + std::to_string(getpid());
+  const std::string pid = std::to_string(getpid());
+  const std::string mine = marker + "." + pid;
   const int fd = open(mine.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
   if (fd < 0) return false;
-  const std::string pid = std::to_string(getpid());
   ssize_t ignored = write(fd, pid.data(), pid.size());
   static_cast<void>(ignored);
   close(fd);
@@ -72,75 +58,41 @@ bool PlaceMarker(const std::string& marker) {
   return placed;
 }
 
-int Contend(const char* directory, int owner, int count, const std::string& marker, int seconds) {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point deadline = Clock::now() + std::chrono::seconds(seconds);
-  std::minstd_rand random(static_cast<unsigned int>(owner) * 7919u +
-                          static_cast<unsigned>(getpid()));
-  // Some holds outlast the 1.5-second heartbeat period, so that waiting
-  // processes also meet a sequence that moves on.
-  std::uniform_int_distribution<unsigned int> holdTime(100, 3000);
-  std::uniform_int_distribution<unsigned int> pause(0, 800);
-  int acquired = 0;
-  int violations = 0;
-  // Each attempt takes a fresh owner identifier: a file name that comes
-  // back within another process's 2-second wait would pass for the dead
-  // sequence it waits on.
-  for (int attempt = 0; acquired < count && Clock::now() < deadline; ++attempt) {
-    BBDLock lock;
-    if (lock.Lock(directory, owner * 10000 + attempt) == KOR_S_OK) {
-      if (PlaceMarker(marker)) {
-        KORSleep(holdTime(random));
-        unlink(marker.c_str());
-      } else {
-        ++violations;
-      }
-      lock.Unlock();
-      ++acquired;
-    }
-    KORSleep(pause(random));
-  }
-  std::printf("\nacquired %d violations %d\n", acquired, violations);
-  return violations == 0 ? 0 : 1;
-}
+}  // namespace
 
-int Stress(const char* directory, int owner, const std::string& marker) {
-  std::minstd_rand random(static_cast<unsigned int>(owner) * 7919u +
-                          static_cast<unsigned>(getpid()));
-  // Holds from well inside to beyond the 1.5-second heartbeat period.
-  std::uniform_int_distribution<unsigned int> holdTime(100, 2200);
-  std::uniform_int_distribution<unsigned int> pause(0, 200);
+int main(int argc, char** argv) {
+  if (argc != 11) {
+    std::fprintf(stderr, "usage: lock_contender <directory> <owner> <marker> <count> ...\n");
+    return 2;
+  }
+  const auto number = [argv](int i) { return static_cast<unsigned int>(std::atoi(argv[i])); };
+  const std::string marker = argv[3];
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(number(5));
+  std::minstd_rand random(number(2) * 7919u + static_cast<unsigned int>(getpid()));
+  std::uniform_int_distribution<unsigned int> holdTime(number(7), number(8));
+  std::uniform_int_distribution<unsigned int> pause(0, number(9));
+  reportTo = static_cast<int>(number(10));
   const std::string pid = std::to_string(getpid());
-  KORSleep(std::uniform_int_distribution<unsigned int>(0, 1000)(random));
-  for (int attempt = 0;; ++attempt) {
+  unsigned int acquired = 0;
+  bool violated = false;
+  KORSleep(std::uniform_int_distribution<unsigned int>(0, number(6))(random));
+  for (unsigned int attempt = 0;
+       acquired < number(4) && std::chrono::steady_clock::now() < deadline; ++attempt) {
     BBDLock lock;
-    const int lockOwner = owner * 10000 + attempt % 10000;
-    if (lock.Lock(directory, lockOwner) == KOR_S_OK) {
+    const int lockOwner = static_cast<int>(number(2) * 10000 + attempt % 10000);
+    if (lock.Lock(argv[1], lockOwner) == KOR_S_OK) {
       const unsigned int hold = holdTime(random);
       const bool placed = PlaceMarker(marker);
+      violated = violated || !placed;
       if (!placed) Report("violation " + pid);
       Report("acquired " + pid + " " + std::to_string(lockOwner) + " " + std::to_string(hold));
       KORSleep(hold);
       if (placed) unlink(marker.c_str());
       Report("released " + pid);
       lock.Unlock();
+      ++acquired;
     }
     KORSleep(pause(random));
   }
-}
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc == 5 && std::strcmp(argv[1], "hold") == 0) {
-    return Hold(argv[2], std::atoi(argv[3]), argv[4]);
-  }
-  if (argc == 7 && std::strcmp(argv[1], "contend") == 0) {
-    return Contend(argv[2], std::atoi(argv[3]), std::atoi(argv[4]), argv[5], std::atoi(argv[6]));
-  }
-  if (argc == 5 && std::strcmp(argv[1], "stress") == 0) {
-    return Stress(argv[2], std::atoi(argv[3]), argv[4]);
-  }
-  std::fprintf(stderr, "usage: lock_contender hold|contend|stress ...\n");
-  return 2;
+  return violated ? 1 : 0;
 }

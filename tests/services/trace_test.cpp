@@ -33,8 +33,9 @@ void DumpTo(const std::string& base, const char* suffix, const char* format, ...
   va_end(args);
 }
 
-// Each line starts with its own time stamp; the file gets the same lines.
-TEST(Trace, DebugWritesStampedLinesToStdoutAndAppendsThemToTheFile) {
+// Debug starts each line with its own time stamp and gives the file the
+// same lines; Dump appends the bare text to <base>.<suffix>.
+TEST(Trace, DebugWritesStampedLinesAndDumpAppendsTheBareText) {
   TempDir dir;
   const std::string file = dir.Join("trace.txt");
   EXPECT_EQ("x\ncount=7\n", Unstamped(OutputOf([&] {
@@ -44,14 +45,9 @@ TEST(Trace, DebugWritesStampedLinesToStdoutAndAppendsThemToTheFile) {
               DebugTo("", false, "nothing %d", 1);
             })));
   EXPECT_EQ("count=7\ncount=8\n", Unstamped(ReadFile(file)));
-}
-
-TEST(Trace, DumpAppendsTheBareTextToBaseDotSuffix) {
-  TempDir dir;
-  const std::string base = dir.Join("trace");
-  DumpTo(base, "log", "a=%d;", 1);
-  DumpTo(base, "log", "b=%s", "two");
-  EXPECT_EQ("a=1;b=two", ReadFile(base + ".log"));
+  DumpTo(dir.Join("trace"), "log", "a=%d;", 1);
+  DumpTo(dir.Join("trace"), "log", "b=%s", "two");
+  EXPECT_EQ("a=1;b=two", ReadFile(dir.Join("trace.log")));
 }
 
 // Reported on standard output, after the trace line itself.

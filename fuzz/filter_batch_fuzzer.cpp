@@ -12,6 +12,7 @@
 
 #include "filter/column_table.h"
 #include "filter/random_filters.h"
+#include "fixed_filter_reader.h"
 #include "fuzz_check.h"
 #include "idxbase/filter_batch.h"
 
@@ -107,7 +108,7 @@ void Agrees(BBDExpression* tree, const ColumnTable& table) {
   BBDFilterBatch batch(tree);
   Check(table.BindAll(batch), "a column could not be bound");
   idxbase_test::ColumnReader reader(table);
-  idxbase_test::OneLevel occurrence;
+  idxbase_fuzz::OneLevel occurrence;
   for (bool caseSensitive : {true, false}) {
     std::vector<KORStatus> results(static_cast<std::size_t>(table.rows) + 1, 7);
     if (batch.Evaluate(table.rows, results.data(), caseSensitive) != KOR_S_OK) {

@@ -216,6 +216,13 @@ struct PlainColumn {
   }
 };
 
+// Column `index` of `width` of the records that start at `base`, their
+// fields at `starts`, their lines ending in `lineEnd` bytes.
+PlainColumn ColumnOf(const char* base, const std::vector<std::uint32_t>& starts, std::size_t width,
+                     std::size_t index, std::uint32_t lineEnd) {
+  return {base, starts.data(), width, index, index + 1 == width ? lineEnd : 1};
+}
+
 // Sets bits of a bitmap a byte at a time, rows in ascending order: a store
 // of a single byte may alias anything, so storing one for every row would
 // make the compiler reload every pointer of the loop each time.
@@ -500,8 +507,7 @@ std::int64_t CsvReader::SplitPlain(std::int64_t maxRows) {
 std::int64_t CsvReader::ConvertPlain(std::size_t index, CsvColumn& column, std::int64_t first,
                                      std::int64_t rows) {
   const std::size_t width = columns_.size();
-  const PlainColumn fields{plainBase_, plainStarts_.data(), width, index,
-                           index + 1 == width ? plainLineEnd_ : 1};
+  const PlainColumn fields = ColumnOf(plainBase_, plainStarts_, width, index, plainLineEnd_);
   // The values are read a word at a time, up to the buffer's end.
   const char* const limit = data_ + end_;
   const auto readable = [limit](std::string_view text) {
@@ -568,7 +574,7 @@ bool CsvReader::AddPlainRows(CsvChunk& chunk, std::int64_t rows, long long line,
   for (std::int64_t r = good; r < rows; ++r) {
     fields_.clear();
     for (std::size_t i = 0; i < width; ++i) {
-      const PlainColumn column{plainBase_, starts, width, i, i + 1 == width ? plainLineEnd_ : 1};
+      const PlainColumn column = ColumnOf(plainBase_, plainStarts_, width, i, plainLineEnd_);
       fields_.push_back({column.Text(r), -1, false});
     }
     if (!AddRow(chunk, record(r), line + r, error)) return false;

@@ -88,7 +88,7 @@ std::string Disagreement(BBDExpression* tree, const idxbase_test::ColumnTable& c
   BBDFilterBatch batch(tree);
   if (!columns.BindAll(batch)) return "a column could not be bound";
   idxbase_test::ColumnReader reader(columns);
-  idxbase_test::OneLevel occurrence;
+  idxbase_test::FakeOccurrence occurrence;
   for (bool caseSensitive : {true, false}) {
     std::vector<KORStatus> results(static_cast<std::size_t>(columns.rows), 7);
     if (batch.Evaluate(columns.rows, results.data(), caseSensitive) != KOR_S_OK) {

@@ -323,7 +323,7 @@ TEST(FilterSoak, RandomTreesAgreeWithTheReferenceEvaluator) {
   const char* userVariable = nullptr;
   const TreeBuilder builder(&userVariable);
   RecordReader reader;
-  OneLevel occurrence;
+  FakeOccurrence occurrence;
 
   int done = 0;
   int mismatches = 0;

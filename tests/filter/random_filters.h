@@ -137,12 +137,6 @@ inline OperatorMeaning MeaningOf(int op) {
   return op >= 0 && op < 42 ? kMeanings[op] : OperatorMeaning{C::kNone, T::kInt};
 }
 
-class OneLevel : public BBDOccurrence {
- public:
-  unsigned int GetLevelKey(unsigned int level) const override { return level; }
-  unsigned int GetLevelCount() const override { return 1; }
-};
-
 // The library's value type of `type`: numbered alike, but for time.
 inline IDX_Filter_ValueType LibraryType(Type type) {
   return type == Type::kTime ? IDX_Filter_Type_Time : static_cast<IDX_Filter_ValueType>(type);
